@@ -41,6 +41,20 @@ public:
     using Exception::Exception;
 };
 
+/// A stream (a stored list, a form's data) is truncated or not in the expected format.
+class KESH_EXPORT EReadError : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
+/// The settings file could not be written.
+class KESH_EXPORT EIniFileException : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
 /// Raises the silent abort exception.
 [[noreturn]] KESH_EXPORT void Abort();
 

@@ -232,23 +232,6 @@ private Q_SLOTS:
                                      QStringLiteral("        deeper"), QStringLiteral("last"),
                                      QStringLiteral("عربي"), QString()}));
     }
-
-    void showErrorStaysSilentForTheAbortText()
-    {
-        QTemporaryDir Dir;
-        const QString SavedLog = LogFilename;
-        LogFilename = Dir.filePath(QStringLiteral("msg.LOG"));
-        Logging = true;
-        ShowError(QStringLiteral("OPERATION ABORTED"));
-        QVERIFY(!QFile::exists(LogFilename));
-        ShowError(QStringLiteral("Disk full"));
-        QVERIFY_THROWS_EXCEPTION(EAbort, RaiseError(QStringLiteral("Bad")));
-        Logging = false;
-        QFile File(LogFilename);
-        QVERIFY(File.open(QIODevice::ReadOnly));
-        QCOMPARE(QString::fromUtf8(File.readAll()), QStringLiteral("ShowError: Disk full\nShowError: Bad\n"));
-        LogFilename = SavedLog;
-    }
 };
 
 QTEST_MAIN(TestConversions)

@@ -2,6 +2,7 @@
 #pragma once
 #include "../kesh_global.h"
 #include <QtGlobal>
+#include <limits>
 
 namespace Kesh {
 
@@ -11,8 +12,10 @@ class KESH_EXPORT Currency
 public:
     constexpr Currency() = default;
     constexpr Currency(int Value) : m_raw(qint64(Value) * 10000) {}
-    constexpr Currency(qint64 Value) : m_raw(Value * 10000) {}
-    /// Rounds to the nearest 1/10000, ties to even.
+    /// Raises EConvertError when Value * 10000 does not fit in 64 bits.
+    constexpr Currency(qint64 Value) : m_raw(Scaled(Value)) {}
+    /// Rounds to the nearest 1/10000, ties to even; raises EConvertError for a value out of
+    /// range (about ±9.22E14) or not a number.
     Currency(double Value);
     Currency(long double Value);
 
@@ -24,10 +27,24 @@ public:
     friend constexpr bool operator==(Currency A, Currency B) { return A.m_raw == B.m_raw; }
     friend constexpr bool operator!=(Currency A, Currency B) { return A.m_raw != B.m_raw; }
     friend constexpr bool operator<(Currency A, Currency B) { return A.m_raw < B.m_raw; }
-    friend constexpr Currency operator+(Currency A, Currency B) { return FromRaw(A.m_raw + B.m_raw); }
-    friend constexpr Currency operator-(Currency A, Currency B) { return FromRaw(A.m_raw - B.m_raw); }
+    /// Sum and difference; raise EConvertError when the result leaves the range.
+    friend constexpr Currency operator+(Currency A, Currency B) { return FromRaw(CheckedAdd(A.m_raw, B.m_raw)); }
+    friend constexpr Currency operator-(Currency A, Currency B) { return FromRaw(CheckedSub(A.m_raw, B.m_raw)); }
 
 private:
+    static constexpr qint64 Max = std::numeric_limits<qint64>::max();
+    static constexpr qint64 Min = std::numeric_limits<qint64>::min();
+    [[noreturn]] static void RangeError();
+    static constexpr qint64 Scaled(qint64 V) { return V > Max / 10000 || V < Min / 10000 ? (RangeError(), 0) : V * 10000; }
+    static constexpr qint64 CheckedAdd(qint64 A, qint64 B)
+    {
+        return (B > 0 && A > Max - B) || (B < 0 && A < Min - B) ? (RangeError(), 0) : A + B;
+    }
+    static constexpr qint64 CheckedSub(qint64 A, qint64 B)
+    {
+        return (B < 0 && A > Max + B) || (B > 0 && A < Min + B) ? (RangeError(), 0) : A - B;
+    }
+
     qint64 m_raw = 0;
 };
 

@@ -12,25 +12,38 @@ using TDateTime = double;
 /// Checked Gregorian date; raises EConvertError for a date that does not exist.
 KESH_EXPORT TDateTime EncodeDate(int Year, int Month, int Day);
 KESH_EXPORT bool TryEncodeDate(int Year, int Month, int Day, TDateTime& Date);
+/// The calendar day (the date part is truncated toward zero); all 0 outside years 1..9999.
 KESH_EXPORT void DecodeDate(TDateTime Date, int& Year, int& Month, int& Day);
 /// Checked time of day (0..23, 0..59, 0..59, 0..999); raises EConvertError otherwise.
 KESH_EXPORT TDateTime EncodeTime(int Hour, int Min, int Sec, int MSec);
 KESH_EXPORT bool TryEncodeTime(int Hour, int Min, int Sec, int MSec, TDateTime& Time);
-/// Splits the time part after rounding to whole milliseconds.
+/// Splits the time part after rounding to whole milliseconds; a time that rounds up to the
+/// next midnight gives 23:59:59.999, so it stays on the day DecodeDate gives.
 KESH_EXPORT void DecodeTime(TDateTime Time, int& Hour, int& Min, int& Sec, int& MSec);
-/// Sunday = 1 … Saturday = 7.
+/// Reads "h[:n[:s[.z]]]" with an optional morning/evening marker (FormatSettings.TimeAMString /
+/// TimePMString, or "AM"/"PM") before or after, blanks allowed around the parts; false otherwise.
+KESH_EXPORT bool TryStrToTime(const QString& S, TDateTime& Value);
+/// As TryStrToTime; raises EConvertError "'S' is not a valid time".
+KESH_EXPORT TDateTime StrToTime(const QString& S);
+/// Sunday = 1 … Saturday = 7; 0 outside years 1..9999.
 KESH_EXPORT int DayOfWeek(TDateTime Date);
+/// Moves the day and keeps the time, also for values before day 0.
 KESH_EXPORT TDateTime IncDay(TDateTime Date, int NumberOfDays = 1);
-/// Keeps the day, clamped to the last day of the month reached; keeps the time.
+/// Keeps the day, clamped to the last day of the month reached; keeps the time. Raises
+/// EConvertError when the result (or Date) lies outside years 1..9999.
 KESH_EXPORT TDateTime IncMonth(TDateTime Date, int NumberOfMonths = 1);
+/// IncMonth by 12 * NumberOfYears: 2024-02-29 + 1 year is 2025-02-28.
 KESH_EXPORT TDateTime IncYear(TDateTime Date, int NumberOfYears = 1);
 KESH_EXPORT bool IsLeapYear(int Year);
+/// 28..31; 0 for a month outside 1..12.
 KESH_EXPORT int DaysInAMonth(int Year, int Month);
 KESH_EXPORT bool IsValidDate(int Year, int Month, int Day);
 /// Today at midnight; the current date and time.
 KESH_EXPORT TDateTime Date();
 KESH_EXPORT TDateTime Now();
 
+/// Conversions in local time; an invalid or out-of-range value gives an invalid QDate or
+/// QDateTime, and an invalid QDate or QDateTime gives 0.
 KESH_EXPORT QDate DateTimeToQDate(TDateTime Value);
 KESH_EXPORT TDateTime QDateToDateTime(const QDate& Value);
 KESH_EXPORT QDateTime DateTimeToQDateTime(TDateTime Value);

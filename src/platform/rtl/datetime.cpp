@@ -1,0 +1,271 @@
+#include "datetime.h"
+
+#include "../exceptions.h"
+#include "format_settings.h"
+
+#include <cmath>
+
+namespace Kesh {
+
+namespace {
+
+constexpr qint64 MSecsPerDay = 24 * 60 * 60 * 1000;
+// Julian day of 1899-12-30, day 0 of TDateTime.
+constexpr qint64 JulianDayOfZero = 2415019;
+// TDateTime days of 0001-01-01 and 9999-12-31, the range the calendar routines accept.
+constexpr qint64 FirstDay = -693593;
+constexpr qint64 LastDay = 2958465;
+
+bool InCalendarRange(TDateTime Value)
+{
+    return std::isfinite(Value) && Value > double(FirstDay - 1) && Value < double(LastDay + 1);
+}
+
+// The calendar day: the date part of a negative value is truncated toward zero too,
+// because -1.25 means one day before day 0 at 06:00.
+qint64 DayOf(TDateTime Value) { return qint64(std::trunc(Value)); }
+
+// The time of day as a positive fraction, whatever the sign of the value.
+double TimeOf(TDateTime Value) { return std::fabs(Value - std::trunc(Value)); }
+
+// Builds a value from a day and a time of day, the way the classic encoding does:
+// the time always counts away from day 0.
+TDateTime Combine(qint64 Day, double Time) { return Day >= 0 ? double(Day) + Time : double(Day) - Time; }
+
+QDate QDateOfDay(qint64 Day) { return QDate::fromJulianDay(Day + JulianDayOfZero); }
+
+qint64 DayOfQDate(const QDate& D) { return D.toJulianDay() - JulianDayOfZero; }
+
+// Milliseconds since midnight after rounding the whole value to whole milliseconds (ties to
+// even, as the FPU does). A value that rounds up to the next midnight stays on its own day.
+qint64 MSecsOfDay(TDateTime Value)
+{
+    if (!InCalendarRange(Value))
+        return 0;
+    const long double Total = std::nearbyint(static_cast<long double>(Value) * MSecsPerDay);
+    const qint64 MSecs = qint64(std::fabs(Total - std::trunc(static_cast<long double>(Value)) * MSecsPerDay));
+    return qMin(MSecs, MSecsPerDay - 1);
+}
+
+} // namespace
+
+bool IsLeapYear(int Year) { return Year % 4 == 0 && (Year % 100 != 0 || Year % 400 == 0); }
+
+int DaysInAMonth(int Year, int Month)
+{
+    static const int Days[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    if (Month < 1 || Month > 12)
+        return 0;
+    return Month == 2 && IsLeapYear(Year) ? 29 : Days[Month - 1];
+}
+
+bool IsValidDate(int Year, int Month, int Day)
+{
+    return Year >= 1 && Year <= 9999 && Day >= 1 && Day <= DaysInAMonth(Year, Month);
+}
+
+bool TryEncodeDate(int Year, int Month, int Day, TDateTime& Date)
+{
+    if (!IsValidDate(Year, Month, Day))
+        return false;
+    Date = double(DayOfQDate(QDate(Year, Month, Day)));
+    return true;
+}
+
+TDateTime EncodeDate(int Year, int Month, int Day)
+{
+    TDateTime Result = 0;
+    if (!TryEncodeDate(Year, Month, Day, Result))
+        throw EConvertError(QStringLiteral("Invalid argument to date encode"));
+    return Result;
+}
+
+void DecodeDate(TDateTime Date, int& Year, int& Month, int& Day)
+{
+    Year = Month = Day = 0;
+    if (InCalendarRange(Date))
+        QDateOfDay(DayOf(Date)).getDate(&Year, &Month, &Day);
+}
+
+bool TryEncodeTime(int Hour, int Min, int Sec, int MSec, TDateTime& Time)
+{
+    if (Hour < 0 || Hour > 23 || Min < 0 || Min > 59 || Sec < 0 || Sec > 59 || MSec < 0 || MSec > 999)
+        return false;
+    Time = double((qint64(Hour) * 3600000 + Min * 60000 + Sec * 1000 + MSec)) / double(MSecsPerDay);
+    return true;
+}
+
+TDateTime EncodeTime(int Hour, int Min, int Sec, int MSec)
+{
+    TDateTime Result = 0;
+    if (!TryEncodeTime(Hour, Min, Sec, MSec, Result))
+        throw EConvertError(QStringLiteral("Invalid argument to time encode"));
+    return Result;
+}
+
+void DecodeTime(TDateTime Time, int& Hour, int& Min, int& Sec, int& MSec)
+{
+    const qint64 MSecs = MSecsOfDay(Time);
+    Hour = int(MSecs / 3600000);
+    Min = int(MSecs / 60000 % 60);
+    Sec = int(MSecs / 1000 % 60);
+    MSec = int(MSecs % 1000);
+}
+
+namespace {
+
+// A cursor over time text in the manner of the classic time scanner: every step first
+// skips blanks.
+struct TimeScanner
+{
+    const QString& S;
+    qsizetype Pos = 0;
+
+    void SkipBlanks()
+    {
+        while (Pos < S.size() && S.at(Pos) == QLatin1Char(' '))
+            ++Pos;
+    }
+    bool Text(const QString& Symbol)
+    {
+        SkipBlanks();
+        if (Symbol.isEmpty() || QStringView(S).mid(Pos, Symbol.size()).compare(Symbol, Qt::CaseInsensitive) != 0)
+            return false;
+        Pos += Symbol.size();
+        return true;
+    }
+    bool Char(QChar C)
+    {
+        SkipBlanks();
+        if (Pos >= S.size() || S.at(Pos) != C)
+            return false;
+        ++Pos;
+        return true;
+    }
+    // At most four digits are read (the scan stops once the value reaches 1000).
+    bool Number(int& Value)
+    {
+        SkipBlanks();
+        const qsizetype Start = Pos;
+        Value = 0;
+        while (Pos < S.size() && Value < 1000 && S.at(Pos).unicode() >= '0' && S.at(Pos).unicode() <= '9')
+            Value = Value * 10 + (S.at(Pos++).unicode() - '0');
+        return Pos > Start;
+    }
+    // 0 for a morning marker, 12 for an evening one, -1 for none.
+    int Marker()
+    {
+        if (Text(FormatSettings.TimeAMString) || Text(QStringLiteral("AM")))
+            return 0;
+        if (Text(FormatSettings.TimePMString) || Text(QStringLiteral("PM")))
+            return 12;
+        return -1;
+    }
+};
+
+} // namespace
+
+bool TryStrToTime(const QString& S, TDateTime& Value)
+{
+    TimeScanner Scan{S};
+    int BaseHour = Scan.Marker();
+    int Hour = 0, Min = 0, Sec = 0, MSec = 0;
+    const QChar Separator = QLatin1Char(':');
+    if (!Scan.Number(Hour))
+        return false;
+    if (Scan.Char(Separator)) {
+        if (!Scan.Number(Min))
+            return false;
+        if (Scan.Char(Separator)) {
+            if (!Scan.Number(Sec))
+                return false;
+            if (Scan.Char(FormatSettings.DecimalSeparator) && !Scan.Number(MSec))
+                return false;
+        }
+    }
+    if (BaseHour < 0)
+        BaseHour = Scan.Marker();
+    if (BaseHour >= 0) {
+        // With a marker the hour is 1..12, and 12 is the first hour of its half of the day.
+        if (Hour == 0 || Hour > 12)
+            return false;
+        Hour = Hour % 12 + BaseHour;
+    }
+    Scan.SkipBlanks();
+    return Scan.Pos == S.size() && TryEncodeTime(Hour, Min, Sec, MSec, Value);
+}
+
+TDateTime StrToTime(const QString& S)
+{
+    TDateTime Result = 0;
+    if (!TryStrToTime(S, Result))
+        throw EConvertError(QStringLiteral("'%1' is not a valid time").arg(S));
+    return Result;
+}
+
+int DayOfWeek(TDateTime Date)
+{
+    if (!InCalendarRange(Date))
+        return 0;
+    return QDateOfDay(DayOf(Date)).dayOfWeek() % 7 + 1;
+}
+
+TDateTime IncDay(TDateTime Date, int NumberOfDays)
+{
+    // Far outside the calendar there is no day to speak of; plain arithmetic is as good as any.
+    if (!InCalendarRange(Date))
+        return Date + NumberOfDays;
+    return Combine(DayOf(Date) + NumberOfDays, TimeOf(Date));
+}
+
+TDateTime IncMonth(TDateTime Date, int NumberOfMonths)
+{
+    int Year = 0, Month = 0, Day = 0;
+    DecodeDate(Date, Year, Month, Day);
+    if (Year == 0)
+        throw EConvertError(QStringLiteral("Invalid argument to date encode"));
+    const qint64 Months = qint64(Year) * 12 + (Month - 1) + NumberOfMonths;
+    const qint64 NewYear = Months >= 0 ? Months / 12 : -1;
+    if (NewYear < 1 || NewYear > 9999)
+        throw EConvertError(QStringLiteral("Invalid argument to date encode"));
+    const int NewMonth = int(Months % 12) + 1;
+    const int NewDay = qMin(Day, DaysInAMonth(int(NewYear), NewMonth));
+    return Combine(qint64(EncodeDate(int(NewYear), NewMonth, NewDay)), TimeOf(Date));
+}
+
+TDateTime IncYear(TDateTime Date, int NumberOfYears)
+{
+    const qint64 Months = qint64(NumberOfYears) * 12;
+    if (Months > 12 * 10000 || Months < -12 * 10000)
+        throw EConvertError(QStringLiteral("Invalid argument to date encode"));
+    return IncMonth(Date, int(Months));
+}
+
+TDateTime Date() { return QDateToDateTime(QDate::currentDate()); }
+
+TDateTime Now() { return QDateTimeToDateTime(QDateTime::currentDateTime()); }
+
+QDate DateTimeToQDate(TDateTime Value)
+{
+    return InCalendarRange(Value) ? QDateOfDay(DayOf(Value)) : QDate();
+}
+
+TDateTime QDateToDateTime(const QDate& Value) { return Value.isValid() ? double(DayOfQDate(Value)) : 0.0; }
+
+QDateTime DateTimeToQDateTime(TDateTime Value)
+{
+    const QDate D = DateTimeToQDate(Value);
+    if (!D.isValid())
+        return QDateTime();
+    return QDateTime(D, QTime::fromMSecsSinceStartOfDay(int(MSecsOfDay(Value))), Qt::LocalTime);
+}
+
+TDateTime QDateTimeToDateTime(const QDateTime& Value)
+{
+    if (!Value.isValid())
+        return 0.0;
+    const QDateTime Local = Value.toLocalTime();
+    return Combine(DayOfQDate(Local.date()), double(Local.time().msecsSinceStartOfDay()) / double(MSecsPerDay));
+}
+
+} // namespace Kesh
