@@ -1,5 +1,7 @@
 #include "conversions.h"
 #include "platform/application.h"
+#include "platform/data/fields.h"
+#include "platform/exceptions.h"
 #include "platform/rtl/numbers.h"
 #include "platform/rtl/strings.h"
 
@@ -19,7 +21,29 @@ QString AsString(const QVariant& V)
 {
     if (!V.isValid() || V.isNull())
         return QString();
-    return V.toString();
+    switch (V.typeId()) {
+    case QMetaType::Bool:
+        // The classic text of a Boolean, which AsBoolean reads back.
+        return V.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return FloatToStr(V.toDouble());
+    default:
+        return V.toString();
+    }
+}
+
+QString AsString(TField* Field)
+{
+    if (!Field)
+        return QString();
+    try {
+        return Field->AsString();
+    } catch (const Exception&) {
+        return QString();
+    } catch (const std::exception&) {
+        return QString();
+    }
 }
 
 bool AsBoolean(const QString& S)

@@ -15,7 +15,8 @@ KESH_EXPORT QString BiStr(const QString& Arabic, const QString& English);
 /// 0 for English, 1 for Arabic: the row of a two-row name table.
 KESH_EXPORT int LangIndex();
 
-/// The variant as text; an invalid or null variant gives empty text.
+/// The variant as text; an invalid or null variant gives empty text, a Boolean "True" or
+/// "False", a floating-point number FloatToStr's text (locale decimal separator).
 KESH_EXPORT QString AsString(const QVariant& V);
 /// The field's text; empty for no field or when reading it fails.
 KESH_EXPORT QString AsString(TField* Field);
