@@ -106,6 +106,8 @@ void CoreToolsPage::Retranslate()
                       BiStr(QStringLiteral("لأقرب واحد"), QStringLiteral("Nearest one"))});
     m_rule->setCurrentIndex(Rule == 0 ? int(RtNearHaf) : Rule);
 
+    for (QLabel* Result : {m_gregorian, m_hijri, m_arabicWords, m_englishWords, m_result})
+        AlignToReadingSide(Result);
     UpdateDate();
     UpdateAmount();
     UpdateRounding();

@@ -1,9 +1,12 @@
 #include "demo_window.h"
 #include "core_tools_page.h"
+#include "database_page.h"
 
 #include <Kesh.h>
 
+#include <QDir>
 #include <QHBoxLayout>
+#include <QStandardPaths>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -25,6 +28,9 @@ DemoWindow::DemoWindow(QWidget* Parent) : QMainWindow(Parent)
     setCentralWidget(Central);
 
     AddPage(new CoreToolsPage);
+    const QString DataDir = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QDir().mkpath(DataDir);
+    AddPage(new DatabasePage(QDir(DataDir).filePath(QStringLiteral("kesh-demo.db"))));
 
     connect(m_language, &QPushButton::clicked, this, &DemoWindow::ToggleLanguage);
     connect(Application(), &THostApplication::BiDiModeChanged, this, &DemoWindow::Retranslate);
