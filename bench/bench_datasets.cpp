@@ -1,0 +1,213 @@
+// Datasets against Qt's own SQL classes on a 1,000,000-row SQLite table:
+//   open and reach the first record   TADOTable            vs QSqlQueryModel (first rows)
+//   walk every row                    TADOTable::Next      vs forward-only QSqlQuery
+//   10,000 look-ups by key            TQxAdoConnection::DLookup vs QSqlQuery with the same text
+//   peak memory with every row read   TADOTable (Last)     vs QSqlQueryModel (fetchMore to the end)
+// Memory is measured in child processes (VmHWM), one per contender, so neither sees the other.
+#include <Kesh_AdoDB.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QSqlQueryModel>
+#include <QSqlRecord>
+#include <QTemporaryDir>
+#include <cstdio>
+#include <functional>
+
+using namespace Kesh;
+
+namespace {
+
+const int Rows = 1000000;
+const int Lookups = 10000;
+
+void CreateTable(const QString& File)
+{
+    QSqlDatabase Db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench-make"));
+    Db.setDatabaseName(File);
+    Db.open();
+    QSqlQuery Q(Db);
+    Q.exec(QStringLiteral("CREATE TABLE Items (Item_id INTEGER PRIMARY KEY, Name_a TEXT, Name_e TEXT, Price REAL, Qty INTEGER)"));
+    Db.transaction();
+    Q.prepare(QStringLiteral("INSERT INTO Items VALUES (?, ?, ?, ?, ?)"));
+    for (int I = 1; I <= Rows; ++I) {
+        Q.addBindValue(I);
+        Q.addBindValue(QStringLiteral("صنف %1").arg(I));
+        Q.addBindValue(QStringLiteral("Item %1").arg(I));
+        Q.addBindValue(I * 0.25);
+        Q.addBindValue(I % 97);
+        Q.exec();
+    }
+    Db.commit();
+    Q.clear();
+    Db.close();
+    Db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QStringLiteral("bench-make"));
+}
+
+// Best of Runs, in milliseconds.
+double Time(int Runs, const std::function<void()>& Work)
+{
+    double Best = 1e300;
+    for (int R = 0; R < Runs; ++R) {
+        QElapsedTimer T;
+        T.start();
+        Work();
+        Best = qMin(Best, T.nsecsElapsed() / 1e6);
+    }
+    return Best;
+}
+
+long PeakKiB()
+{
+    QFile Status(QStringLiteral("/proc/self/status"));
+    if (!Status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray& Line : Status.readAll().split('\n'))
+        if (Line.startsWith("VmHWM:"))
+            return Line.mid(6).trimmed().split(' ').first().toLong();
+    return -1;
+}
+
+QString Connection(const QString& File) { return QStringLiteral("Driver=QSQLITE;Database=") + File; }
+
+// Child process: read every row one way and print the peak memory.
+int MemoryChild(const QString& Who, const QString& File)
+{
+    long Base = PeakKiB();
+    if (Who == QLatin1String("kesh")) {
+        TADOConnection Conn;
+        Conn.SetConnectionString(Connection(File));
+        Conn.Open();
+        Base = PeakKiB();
+        TADOTable Table;
+        Table.SetConnection(&Conn);
+        Table.SetTableName(QStringLiteral("Items"));
+        Table.Open();
+        Table.Last();
+        std::printf("%ld %d\n", PeakKiB() - Base, Table.RecordCount());
+    } else {
+        QSqlDatabase Db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("mem"));
+        Db.setDatabaseName(File);
+        Db.open();
+        Base = PeakKiB();
+        QSqlQueryModel Model;
+        Model.setQuery(QStringLiteral("SELECT * FROM Items"), Db);
+        while (Model.canFetchMore())
+            Model.fetchMore();
+        std::printf("%ld %d\n", PeakKiB() - Base, Model.rowCount());
+    }
+    return 0;
+}
+
+long MeasureChild(const QString& Who, const QString& File, int& RowsRead)
+{
+    QProcess P;
+    P.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--memory"), Who, File});
+    P.waitForFinished(-1);
+    const QList<QByteArray> Parts = P.readAllStandardOutput().trimmed().split(' ');
+    RowsRead = Parts.size() > 1 ? Parts[1].toInt() : -1;
+    return Parts.first().toLong();
+}
+
+void Report(const char* What, const char* Peer, double Ours, double Theirs, double Goal, const char* Unit)
+{
+    const double Ratio = Ours / Theirs;
+    std::printf("%-34s Kesh %10.2f %s   %-26s %10.2f %s   ratio %.2f (goal <= %.2f) %s\n", What, Ours, Unit, Peer, Theirs, Unit,
+                Ratio, Goal, Ratio <= Goal ? "met" : "NOT MET");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication App(argc, argv);
+    if (argc == 4 && qstrcmp(argv[1], "--memory") == 0)
+        return MemoryChild(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+
+    QTemporaryDir Dir;
+    const QString File = Dir.filePath(QStringLiteral("bench.db"));
+    std::printf("Creating a %d-row SQLite table...\n", Rows);
+    CreateTable(File);
+
+    TQxAdoConnection Conn;
+    Conn.SetConnectionString(Connection(File));
+    Conn.Open();
+    QSqlDatabase Raw = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw"));
+    Raw.setDatabaseName(File);
+    Raw.open();
+
+    // Open and reach the first record.
+    int Checksum = 0;
+    const double OpenKesh = Time(7, [&] {
+        TADOTable Table;
+        Table.SetConnection(&Conn);
+        Table.SetTableName(QStringLiteral("Items"));
+        Table.Open();
+        Checksum += Table.FieldByName(QStringLiteral("Item_id"))->AsInteger();
+    });
+    const double OpenQt = Time(7, [&] {
+        QSqlQueryModel Model;
+        Model.setQuery(QStringLiteral("SELECT * FROM Items"), Raw);
+        Checksum += Model.data(Model.index(0, 0)).toInt();
+    });
+
+    // Walk every row.
+    qint64 SumKesh = 0, SumQt = 0;
+    const double WalkKesh = Time(3, [&] {
+        SumKesh = 0;
+        TADOTable Table;
+        Table.SetConnection(&Conn);
+        Table.SetTableName(QStringLiteral("Items"));
+        Table.Open();
+        TField* Qty = Table.FieldByName(QStringLiteral("Qty"));
+        while (!Table.Eof()) {
+            SumKesh += Qty->AsInteger();
+            Table.Next();
+        }
+    });
+    const double WalkQt = Time(3, [&] {
+        SumQt = 0;
+        QSqlQuery Q(Raw);
+        Q.setForwardOnly(true);
+        Q.exec(QStringLiteral("SELECT * FROM Items"));
+        const int Qty = Q.record().indexOf(QStringLiteral("Qty"));
+        while (Q.next())
+            SumQt += Q.value(Qty).toInt();
+    });
+
+    // Look-ups by key.
+    qint64 LookKesh = 0, LookQt = 0;
+    const double DLookupKesh = Time(3, [&] {
+        LookKesh = 0;
+        for (int I = 1; I <= Lookups; ++I)
+            LookKesh += Conn.DLookup(QStringLiteral("Items"), QStringLiteral("Qty"), QStringLiteral("Item_id = %1").arg(I * 97)).toInt();
+    });
+    const double DLookupQt = Time(3, [&] {
+        LookQt = 0;
+        for (int I = 1; I <= Lookups; ++I) {
+            QSqlQuery Q(Raw);
+            Q.exec(QStringLiteral("Select Qty From Items Where (Item_id = %1)").arg(I * 97));
+            if (Q.next() && !Q.value(0).isNull())
+                LookQt += Q.value(0).toInt();
+        }
+    });
+
+    int RowsKesh = 0, RowsQt = 0;
+    const long MemKesh = MeasureChild(QStringLiteral("kesh"), File, RowsKesh);
+    const long MemQt = MeasureChild(QStringLiteral("qt"), File, RowsQt);
+
+    std::printf("\n");
+    Report("open + first record", "QSqlQueryModel", OpenKesh, OpenQt, 1.2, "ms");
+    Report("walk 1,000,000 rows", "forward-only QSqlQuery", WalkKesh, WalkQt, 1.5, "ms");
+    Report("DLookup by key x 10,000", "QSqlQuery, same text", DLookupKesh, DLookupQt, 1.3, "ms");
+    Report("peak memory, every row read", "QSqlQueryModel fetchMore", MemKesh / 1024.0, MemQt / 1024.0, 1.0, "MiB");
+    const bool Same = SumKesh == SumQt && LookKesh == LookQt && RowsKesh == Rows && RowsQt == Rows;
+    std::printf("\nchecks: sums %lld/%lld, look-ups %lld/%lld, rows %d/%d: %s (checksum %d)\n", (long long)SumKesh,
+                (long long)SumQt, (long long)LookKesh, (long long)LookQt, RowsKesh, RowsQt, Same ? "equal" : "DIFFERENT", Checksum);
+    return Same ? 0 : 1;
+}
