@@ -1,0 +1,135 @@
+// Kesh for Qt — TADODataSet, TADOQuery, TADOTable: SQL datasets on a TADOConnection.
+#pragma once
+#include "ado_parameters.h"
+#include "dataset.h"
+#include <QPointer>
+#include <QStringList>
+#include <memory>
+
+class QSqlQuery;
+class QSqlRecord;
+
+namespace Kesh {
+
+class TADOConnection;
+
+/// A dataset over the rows of an SQL command on a TADOConnection.
+///
+/// The rows are read from a forward-only QSqlQuery in blocks of FetchBlockSize (256) and
+/// kept client-side; when the last row is read the query is finished at once. Until then
+/// an SQLite SELECT holds its read lock: every write through the same TADOConnection
+/// (Post, Delete, Execute, ExecSQL, transactions) first reads the rest of the pending
+/// SELECTs, so it never disturbs them. (PostgreSQL results are buffered by the client and
+/// need no such care.) Post and Delete write SQL built by the
+/// driver (QSqlDriver::sqlStatement) against the base table: the table of cmdTable, else
+/// UniqueTable, else the single table in the FROM of the command text. The row is found
+/// by the table's primary key (without one: every selected column of the table but the
+/// floating-point and large-object ones) plus, for
+/// optimistic locking, the original values of the changed columns: when no row matches,
+/// EDatabaseError "Row cannot be located for updating. Some values may have been changed
+/// since it was last read." is raised and the edit stays as it was. Inserted rows read
+/// their server-filled values back (auto-increment keys, defaults).
+class KESH_EXPORT TADODataSet : public TDataSet
+{
+    Q_OBJECT
+    Q_PROPERTY(QString CommandText READ CommandText WRITE SetCommandText)
+    Q_PROPERTY(Kesh::DB::TCommandType CommandType READ CommandType WRITE SetCommandType)
+    Q_PROPERTY(bool ParamCheck READ ParamCheck WRITE SetParamCheck)
+    Q_PROPERTY(Kesh::DB::TCursorLocation CursorLocation READ CursorLocation WRITE SetCursorLocation)
+    Q_PROPERTY(Kesh::DB::TCursorType CursorType READ CursorType WRITE SetCursorType)
+    Q_PROPERTY(Kesh::DB::TLockType LockType READ LockType WRITE SetLockType)
+    Q_PROPERTY(QString UniqueTable READ UniqueTable WRITE SetUniqueTable)
+
+public:
+    explicit TADODataSet(QObject* Owner = nullptr);
+    ~TADODataSet() override;
+
+    TADOConnection* Connection() const;
+    /// Attaches the dataset to a connection (closing it first); nullptr detaches.
+    void SetConnection(TADOConnection* Value);
+
+    QString CommandText() const;
+    /// Closes the dataset first. With ParamCheck the text's `:name` parameters are (re)listed.
+    void SetCommandText(const QString& Value);
+    TCommandType CommandType() const;
+    void SetCommandType(TCommandType Value);
+    /// Whether the command text is read for `:name` parameters (on by default). Off: the
+    /// text goes to the server as it stands and colons are plain text.
+    bool ParamCheck() const;
+    void SetParamCheck(bool Value);
+    TParameters* Parameters() const;
+
+    /// Rows are always kept client-side; the values are kept for the code that sets them.
+    TCursorLocation CursorLocation() const;
+    void SetCursorLocation(TCursorLocation Value);
+    TCursorType CursorType() const;
+    void SetCursorType(TCursorType Value);
+    /// ltReadOnly refuses Insert, Edit and Delete; every other lock type writes optimistically.
+    TLockType LockType() const;
+    void SetLockType(TLockType Value);
+    /// The table Post and Delete write to; empty: found from the command.
+    QString UniqueTable() const;
+    void SetUniqueTable(const QString& Value);
+
+    /// Opens this dataset as a second cursor on Source's rows (read to the end first):
+    /// moving one does not move the other; posted changes are seen by both.
+    /// ltUnspecified keeps Source's lock type.
+    void Clone(TADODataSet* Source, TLockType LockType = ltUnspecified);
+
+    bool CanModify() const override;
+
+protected:
+    void InternalOpen() override;
+    int InternalFetch(int MaxRows) override;
+    void InternalClose() override;
+    void ApplyInsert(TRecordValues& Values) override;
+    void ApplyUpdate(const TRecordValues& OldValues, TRecordValues& NewValues,
+                     const QBitArray& Changed) override;
+    void ApplyDelete(const TRecordValues& OldValues) override;
+    void InternalRefresh() override;
+    QStringList RefreshKeyFields() const override;
+
+    /// The SELECT the dataset opens (from CommandText and CommandType).
+    virtual QString SelectText() const;
+
+private:
+    friend class TADOConnection;
+    void ConnectionClosing();
+    bool HasPendingFetch() const;
+    void EnsureWriteMeta();
+    void PrepareWrite();
+    QSqlRecord WhereRecord(const TRecordValues& OldValues, const QBitArray* Changed) const;
+    void ReadBackRow(const QSqlQuery& Query, TRecordValues& Values) const;
+    std::unique_ptr<class TADODataSetPrivate> const d;
+};
+
+/// A dataset on the statement held in SQL.
+class KESH_EXPORT TADOQuery : public TADODataSet
+{
+    Q_OBJECT
+    Q_PROPERTY(QStringList SQL READ SQL WRITE SetSQL)
+
+public:
+    explicit TADOQuery(QObject* Owner = nullptr);
+    ~TADOQuery() override;
+    /// The statement, one line per item (CommandText is the lines joined by line breaks).
+    QStringList SQL() const;
+    void SetSQL(const QStringList& Value);
+    /// Runs a statement that returns no rows; returns the number of rows affected.
+    int ExecSQL();
+};
+
+/// A dataset on every row of one table.
+class KESH_EXPORT TADOTable : public TADODataSet
+{
+    Q_OBJECT
+    Q_PROPERTY(QString TableName READ TableName WRITE SetTableName)
+
+public:
+    explicit TADOTable(QObject* Owner = nullptr);
+    ~TADOTable() override;
+    QString TableName() const { return CommandText(); }
+    void SetTableName(const QString& Value) { SetCommandText(Value); }
+};
+
+} // namespace Kesh
