@@ -514,55 +514,33 @@ void TDataSet::Edit()
 
 void TDataSet::Insert()
 {
-    CheckBrowseMode();
-    CheckCanModify();
-    DoBeforeInsert();
-    DoBeforeScroll();
-    d->SyncStore();
-    const int Previous = d->cursor;
-    const int Pos = std::max(d->cursor, 0);
-    d->insertPos = Pos;
-    d->editBuffer = TRecordValues(d->defs.Count());
-    d->oldValues = d->editBuffer;
-    d->changed = QBitArray(d->defs.Count());
-    d->SetCursor(Pos);
-    d->bof = d->eof = false;
-    ++d->structureVersion;
-    SetState(dsInsert);
-    try {
-        DoOnNewRecord();
-    } catch (...) {
-        d->ClearEdit();
-        d->SetCursor(Previous);
-        d->SetBofEofAfterResync();
-        ++d->structureVersion;
-        SetState(dsBrowse);
-        DataEvent(deDataSetChange, 0);
-        throw;
-    }
-    d->modified = false;
-    DataEvent(deDataSetChange, 0);
-    DoAfterInsert();
-    DoAfterScroll();
+    BeginInsert(false);
 }
 
 void TDataSet::Append()
+{
+    BeginInsert(true);
+}
+
+// A new row before the current one, or after the last one (all rows read first).
+void TDataSet::BeginInsert(bool AtEnd)
 {
     CheckBrowseMode();
     CheckCanModify();
     DoBeforeInsert();
     DoBeforeScroll();
-    FetchAll();
+    if (AtEnd)
+        FetchAll();
     d->SyncStore();
     const int Previous = d->cursor;
-    const int Pos = d->StoredCount();
+    const int Pos = AtEnd ? d->StoredCount() : std::max(d->cursor, 0);
     d->insertPos = Pos;
     d->editBuffer = TRecordValues(d->defs.Count());
     d->oldValues = d->editBuffer;
     d->changed = QBitArray(d->defs.Count());
     d->SetCursor(Pos);
     d->bof = false;
-    d->eof = true;
+    d->eof = AtEnd;
     ++d->structureVersion;
     SetState(dsInsert);
     try {

@@ -225,6 +225,7 @@ private:
     friend class TDataLink;
     friend class TDataSetModel;
     friend class TDataSetPrivate;
+    void BeginInsert(bool AtEnd);
     QVariant ColumnValue(int Column) const;
     QVariant OldColumnValue(int Column) const;
     void SetColumnValue(TField* Field, const QVariant& Value);

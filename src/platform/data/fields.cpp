@@ -686,12 +686,8 @@ void TIntegerField::CheckRange(qint64 Value) const
                           .arg(Value).arg(DisplayName()).arg(Min).arg(Max));
 }
 
-void TIntegerField::SetVarValue(const QVariant& Value)
+qint64 TNumericField::IntegerOf(const QVariant& Value) const
 {
-    if (IsNullValue(Value) || (IsText(Value) && Value.toString().isEmpty())) {
-        TField::SetVarValue(QVariant());
-        return;
-    }
     qint64 V = 0;
     if (IsText(Value)) {
         if (!ParseInteger(Value.toString(), V))
@@ -704,6 +700,16 @@ void TIntegerField::SetVarValue(const QVariant& Value)
         if (!Ok)
             ConvertError(Value.toString(), QStringLiteral("integer"));
     }
+    return V;
+}
+
+void TIntegerField::SetVarValue(const QVariant& Value)
+{
+    if (IsNullValue(Value) || (IsText(Value) && Value.toString().isEmpty())) {
+        TField::SetVarValue(QVariant());
+        return;
+    }
+    const qint64 V = IntegerOf(Value);
     CheckRange(V);
     TField::SetVarValue(int(V));
 }
@@ -741,18 +747,7 @@ void TLargeintField::SetVarValue(const QVariant& Value)
         TField::SetVarValue(QVariant());
         return;
     }
-    qint64 V = 0;
-    if (IsText(Value)) {
-        if (!ParseInteger(Value.toString(), V))
-            ConvertError(Value.toString(), QStringLiteral("integer"));
-    } else if (Value.metaType().id() == QMetaType::Double || Value.metaType().id() == QMetaType::Float) {
-        V = qint64(Round(Value.toDouble()));
-    } else {
-        bool Ok = false;
-        V = Value.toLongLong(&Ok);
-        if (!Ok)
-            ConvertError(Value.toString(), QStringLiteral("integer"));
-    }
+    const qint64 V = IntegerOf(Value);
     TField::SetVarValue(QVariant::fromValue<qlonglong>(V));
 }
 

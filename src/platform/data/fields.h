@@ -222,6 +222,9 @@ public:
 protected:
     /// The pattern GetText uses: DisplayFormat for display, EditFormat (empty) for editing.
     QString TextFormat(bool DisplayText) const;
+    /// The whole number Value stands for (text parsed, floating point rounded half to even);
+    /// raises for a value that is not one.
+    qint64 IntegerOf(const QVariant& Value) const;
 };
 
 /// 32-bit integer within MinValue..MaxValue (both 0: the type's own range).
