@@ -1,0 +1,6 @@
+// Kesh for Qt — unit Kesh_Controls: the bilingual visual controls in one include.
+#pragma once
+#include "Kesh.h"
+#include "platform/widgets.h"
+
+#include "bi_caption.h"
