@@ -9,6 +9,10 @@
 #include "platform/rtl/strings.h"
 
 #include <QScopedValueRollback>
+#include <QSqlError>
+#include <QSqlField>
+#include <QSqlQuery>
+#include <QSqlRecord>
 #include <memory>
 
 namespace Kesh {
@@ -57,19 +61,26 @@ QVariant TQxAdoConnection::DLookup(const QString& TableName, const QString& Fiel
 {
     if (!Connected())
         return QVariant();
+    QString Text = QStringLiteral("Select ") + FieldName + QStringLiteral(" From ") + TableName;
+    if (!Trim(Criteria).isEmpty())
+        Text += QStringLiteral(" Where (") + Criteria + QLatin1Char(')');
+    // One value of one row: read it straight from a forward-only query, as the first field
+    // of a query dataset would show it, without building the dataset and its fields.
     QVariant Result(0);
     try {
-        auto Query = std::make_unique<TADOQuery>(this);
-        Query->SetParamCheck(false); // colons in the text are not parameters
-        Query->SetConnection(this);
-        QString Text = QStringLiteral("Select ") + FieldName + QStringLiteral(" From ") + TableName;
-        if (!Trim(Criteria).isEmpty())
-            Text += QStringLiteral(" Where (") + Criteria + QLatin1Char(')');
-        Query->SetSQL({Text});
-        Query->Open();
-        if (!Query->IsEmpty() && !Query->Fields().first()->IsNull())
-            Result = Query->Fields().first()->Value();
-        Query->Close();
+        QSqlQuery Query(Database());
+        Query.setForwardOnly(true);
+        if (!Query.exec(Text))
+            RaiseSqlError(Query.lastError());
+        if (!Query.isSelect())
+            throw EDatabaseError(QStringLiteral("CommandText does not return a result set"));
+        if (Query.next()) {
+            const QVariant Raw = Query.value(0);
+            if (Raw.isValid() && !Raw.isNull())
+                Result = TField::ValueOf(TADODataSet::FieldTypeOf(Query.record().field(0)), Raw);
+        } else if (Query.lastError().isValid()) {
+            RaiseSqlError(Query.lastError());
+        }
     } catch (const Exception& E) {
         m_errorMessage = E.Message;
     }

@@ -111,6 +111,29 @@ private Q_SLOTS:
         QCOMPARE(AsString(Conn.DLookup(QStringLiteral("Items"), field, criteria)), expected);
     }
 
+    // The look-up reads its value without a dataset; it must be what a query's field shows.
+    void dLookupMatchesTheQueryField_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::newRow("integer") << "Qty";
+        QTest::newRow("numeric") << "Price";
+        QTest::newRow("text") << "Name_a";
+        QTest::newRow("sum of numeric") << "Sum(Price)";
+        QTest::newRow("count") << "Count(*)";
+        QTest::newRow("boolean expression") << "Qty > 5";
+    }
+    void dLookupMatchesTheQueryField()
+    {
+        QFETCH(QString, field);
+        const QVariant Got = Conn.DLookup(QStringLiteral("Items"), field, QStringLiteral("Item_id = 1"));
+        std::unique_ptr<TADODataSet> Set(Conn.OpenRecordSet(
+            QStringLiteral("Select ") + field + QStringLiteral(" From Items Where (Item_id = 1)"), true));
+        QVERIFY(Set);
+        const QVariant Want = Set->Fields().first()->Value();
+        QCOMPARE(Got.metaType(), Want.metaType());
+        QCOMPARE(Got, Want);
+    }
+
     void dLookupKeepsTheErrorAndReturnsZero()
     {
         const QVariant V = Conn.DLookup(QStringLiteral("NoSuchTable"), QStringLiteral("x"), QString());

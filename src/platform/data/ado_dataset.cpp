@@ -19,25 +19,6 @@ namespace {
 
 QString SInsufficientBaseTable() { return QStringLiteral("Insufficient base table information for updating or refreshing."); }
 
-TFieldType FieldTypeOf(const QSqlField& F)
-{
-    switch (F.metaType().id()) {
-    case QMetaType::Bool: return ftBoolean;
-    case QMetaType::Short: case QMetaType::Char: case QMetaType::SChar: return ftSmallint;
-    case QMetaType::UShort: case QMetaType::UChar: return ftWord;
-    case QMetaType::Int: return ftInteger;
-    case QMetaType::UInt: case QMetaType::Long: case QMetaType::ULong: case QMetaType::LongLong:
-    case QMetaType::ULongLong: return ftLargeint;
-    case QMetaType::Double: case QMetaType::Float: return ftFloat;
-    case QMetaType::QDate: return ftDate;
-    case QMetaType::QTime: return ftTime;
-    case QMetaType::QDateTime: return ftDateTime;
-    case QMetaType::QByteArray: return ftBlob;
-    case QMetaType::QUuid: return ftGuid;
-    default: return ftWideString;
-    }
-}
-
 // Text without its string literals and comments, so that keywords inside them do not count.
 QString StripLiterals(const QString& Sql)
 {
@@ -118,6 +99,25 @@ public:
     bool IsPostgres() const { return Db().driver() && Db().driver()->dbmsType() == QSqlDriver::PostgreSQL; }
     void ResetMeta() { meta.reset(); }
 };
+
+TFieldType TADODataSet::FieldTypeOf(const QSqlField& F)
+{
+    switch (F.metaType().id()) {
+    case QMetaType::Bool: return ftBoolean;
+    case QMetaType::Short: case QMetaType::Char: case QMetaType::SChar: return ftSmallint;
+    case QMetaType::UShort: case QMetaType::UChar: return ftWord;
+    case QMetaType::Int: return ftInteger;
+    case QMetaType::UInt: case QMetaType::Long: case QMetaType::ULong: case QMetaType::LongLong:
+    case QMetaType::ULongLong: return ftLargeint;
+    case QMetaType::Double: case QMetaType::Float: return ftFloat;
+    case QMetaType::QDate: return ftDate;
+    case QMetaType::QTime: return ftTime;
+    case QMetaType::QDateTime: return ftDateTime;
+    case QMetaType::QByteArray: return ftBlob;
+    case QMetaType::QUuid: return ftGuid;
+    default: return ftWideString;
+    }
+}
 
 TADODataSet::TADODataSet(QObject* Owner) : TDataSet(Owner), d(new TADODataSetPrivate) {}
 

@@ -7,6 +7,7 @@
 #include <memory>
 
 class QSqlQuery;
+class QSqlField;
 class QSqlRecord;
 
 namespace Kesh {
@@ -43,6 +44,9 @@ class KESH_EXPORT TADODataSet : public TDataSet
 public:
     explicit TADODataSet(QObject* Owner = nullptr);
     ~TADODataSet() override;
+
+    /// The field type that a column of a Qt SQL result is read into.
+    static TFieldType FieldTypeOf(const QSqlField& Field);
 
     TADOConnection* Connection() const;
     /// Attaches the dataset to a connection (closing it first); nullptr detaches.

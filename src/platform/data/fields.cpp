@@ -8,6 +8,7 @@
 #include <QMetaEnum>
 #include <QUuid>
 #include <climits>
+#include <memory>
 #include <cmath>
 
 namespace Kesh {
@@ -212,6 +213,7 @@ class TFieldPrivate
 {
 public:
     TDataSet* dataSet = nullptr;
+    QVariant detachedValue;  // the raw value of a field that belongs to no dataset
     QString fieldName;
     TFieldType dataType = ftUnknown;
     TFieldKind kind = fkData;
@@ -312,7 +314,7 @@ void TField::Clear() { SetRawValue(QVariant()); }
 QVariant TField::RawValue() const
 {
     if (!d->dataSet || d->column < 0)
-        return QVariant();
+        return d->detachedValue;
     return d->dataSet->ColumnValue(d->column);
 }
 
@@ -590,6 +592,19 @@ void TField::SetText(const QString& Value)
 }
 
 bool TField::IsValidChar(QChar) const { return true; }
+
+QVariant TField::ValueOf(TFieldType Type, const QVariant& Raw)
+{
+    const QMetaType Held = ValueType(Type);
+    if (IsNullValue(Raw))
+        return Held.isValid() ? QVariant(Held) : QVariant();
+    if (!Held.isValid() || Raw.metaType() == Held)
+        return Raw;  // what GetAsVariant gives without a field
+    // Other types go through the field class itself, whose readers may be overridden.
+    std::unique_ptr<TField> F(CreateFieldOfType(Type));
+    F->d->detachedValue = Raw;
+    return F->Value();
+}
 
 QVariant TField::OldValue() const
 {

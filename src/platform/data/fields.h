@@ -147,6 +147,8 @@ public:
 
     /// The QMetaType that values of the type are held in (int, qlonglong, double, QString…).
     static QMetaType ValueType(TFieldType Type);
+    /// The Value that a field of Type shows for Raw, a value as read from the database.
+    static QVariant ValueOf(TFieldType Type, const QVariant& Raw);
 
 protected:
     virtual QString GetAsString() const;
