@@ -4,3 +4,7 @@
 #include "platform/widgets.h"
 
 #include "bi_caption.h"
+#include "label.h"
+#include "check_box.h"
+#include "panel.h"
+#include "radio_group.h"

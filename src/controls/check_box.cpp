@@ -1,0 +1,264 @@
+// Kesh for Qt — the bilingual check box.
+#include "check_box.h"
+#include "resources.h"
+
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QHash>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+#include <QSvgRenderer>
+#include <utility>
+
+namespace Kesh {
+
+struct TQxCheckBoxPrivate
+{
+    bool LanguagePending = false;
+    TBiCaption Bi;
+    TFont Font;
+    TxTextLook Look{TxNormal, clGray, 1};
+    TxCheckBoxStyles Style = cbsStyle_1;
+    // The linked control belongs to the form; it may go first.
+    QPointer<QWidget> Control;
+};
+
+TQxCheckBox::TQxCheckBox(QWidget* Parent) : QAbstractButton(Parent), d(new TQxCheckBoxPrivate)
+{
+    setCheckable(true);
+    setFocusPolicy(Qt::StrongFocus);
+    resize(100, 16);
+    TFont Font;
+    Font.SetName(QStringLiteral("Tahoma"));
+    Font.SetSize(8);
+    Font.SetCharset(ARABIC_CHARSET);
+    Font.SetColor(clNavy);
+    SetFont(Font);
+    d->Bi.FontA = d->Bi.FontE = Font;
+    connect(this, &QAbstractButton::toggled, this, [this] { FollowChecked(); });
+}
+
+TQxCheckBox::~TQxCheckBox() = default;
+
+QString TQxCheckBox::GetCaption_a() const { return d->Bi.CaptionA; }
+
+void TQxCheckBox::SetCaptionA(const QString& Value)
+{
+    d->Bi.CaptionA = Value;
+    if (BiDiMode() == bdRightToLeft)
+        setText(Value);
+}
+
+QString TQxCheckBox::GetCaption_e() const { return d->Bi.CaptionE; }
+
+void TQxCheckBox::SetCaptionE(const QString& Value)
+{
+    d->Bi.CaptionE = Value;
+    if (BiDiMode() != bdRightToLeft)
+        setText(Value);
+}
+
+TFont TQxCheckBox::GetFont() const { return d->Font; }
+
+void TQxCheckBox::SetFont(const TFont& Value)
+{
+    d->Font = Value;
+    ApplyFont(this, Value);
+    update();
+}
+
+TFont TQxCheckBox::GetFont_a() const { return d->Bi.FontA; }
+
+void TQxCheckBox::SetFont_a(const TFont& Value)
+{
+    d->Bi.FontA = Value;
+    if (BiDiMode() == bdRightToLeft)
+        SetFont(Value);
+}
+
+TFont TQxCheckBox::GetFont_e() const { return d->Bi.FontE; }
+
+void TQxCheckBox::SetFont_e(const TFont& Value)
+{
+    d->Bi.FontE = Value;
+    if (BiDiMode() != bdRightToLeft)
+        SetFont(Value);
+}
+
+QWidget* TQxCheckBox::GetControl() const { return d->Control; }
+
+void TQxCheckBox::SetControl(QWidget* Value)
+{
+    d->Control = Value;
+    FollowChecked();
+}
+
+TxCheckBoxStyles TQxCheckBox::GetStyle() const { return d->Style; }
+
+void TQxCheckBox::SetStyle(TxCheckBoxStyles Value)
+{
+    if (d->Style != Value) {
+        d->Style = Value;
+        update();
+    }
+}
+
+TxTextStyle TQxCheckBox::GetTextStyle() const { return d->Look.Style; }
+
+void TQxCheckBox::SetTextStyle(TxTextStyle Value)
+{
+    if (d->Look.Style != Value) {
+        d->Look.Style = Value;
+        update();
+    }
+}
+
+TColor TQxCheckBox::GetTextShade() const { return d->Look.Shade; }
+
+void TQxCheckBox::SetTextShade(TColor Value)
+{
+    if (d->Look.Shade != Value) {
+        d->Look.Shade = Value;
+        update();
+    }
+}
+
+int TQxCheckBox::GetTextShadowPos() const { return d->Look.ShadowPos; }
+
+void TQxCheckBox::SetTextShadowPos(int Value)
+{
+    if (d->Look.ShadowPos != Value) {
+        d->Look.ShadowPos = Value;
+        update();
+    }
+}
+
+QString TQxCheckBox::GlyphName() const
+{
+    return QStringLiteral("CheckBox%1_%2")
+        .arg(int(d->Style) + 1)
+        .arg(isChecked() ? QStringLiteral("ON") : QStringLiteral("OFF"));
+}
+
+QString TQxCheckBox::GlyphFile(const QString& Name)
+{
+    // The glyph files are stored under upper-case names; look them up once, by lower case.
+    static const QHash<QString, QString> Files = [] {
+        InitResources();
+        QHash<QString, QString> Found;
+        QDirIterator It(QStringLiteral(":/kesh"), {QStringLiteral("*.svg")}, QDir::Files);
+        while (It.hasNext()) {
+            const QString Path = It.next();
+            Found.insert(QFileInfo(Path).completeBaseName().toLower(), Path);
+        }
+        return Found;
+    }();
+    return Files.value(Name.toLower());
+}
+
+QRect TQxCheckBox::GlyphRect() const
+{
+    const int X = BiDiMode() == bdRightToLeft ? width() - GlyphSize : 0;
+    return QRect(X, 0, GlyphSize, GlyphSize);
+}
+
+QRect TQxCheckBox::TextRect() const
+{
+    return BiDiMode() == bdRightToLeft ? rect().adjusted(0, 0, -TextIndent, 0)
+                                       : rect().adjusted(TextIndent, 0, 0, 0);
+}
+
+QSize TQxCheckBox::sizeHint() const
+{
+    const QFontMetrics Metrics(d->Font.Font(), this);
+    const int TextWidth = Metrics.horizontalAdvance(text());
+    return QSize(TextIndent + TextWidth + 2, qMax(GlyphSize, Metrics.height()));
+}
+
+void TQxCheckBox::Loaded()
+{
+    // A direction change met while loading was put off until now.
+    if (std::exchange(d->LanguagePending, false))
+        ApplyLanguage();
+}
+
+bool TQxCheckBox::event(QEvent* Event)
+{
+    if (Event->type() == QEvent::Polish)
+        EndLoading();
+    return QAbstractButton::event(Event);
+}
+
+void TQxCheckBox::changeEvent(QEvent* Event)
+{
+    QAbstractButton::changeEvent(Event);
+    if (Event->type() == QEvent::LayoutDirectionChange) {
+        if (IsLoading())
+            d->LanguagePending = true;
+        else
+            ApplyLanguage();
+    }
+}
+
+void TQxCheckBox::paintEvent(QPaintEvent*)
+{
+    QPainter Painter(this);
+    Painter.setLayoutDirection(layoutDirection());
+    const bool RightToLeft = BiDiMode() == bdRightToLeft;
+    const QRect Text = TextRect();
+    // The side is fixed here, not left to Qt's mirroring of the alignment.
+    const int Flags = Qt::AlignAbsolute | (RightToLeft ? Qt::AlignRight : Qt::AlignLeft)
+        | Qt::AlignVCenter | Qt::TextWordWrap;
+    DrawStyledText(&Painter, Text, Flags, text(), d->Font, d->Look, isEnabled());
+
+    QSvgRenderer Glyph(GlyphFile(GlyphName()));
+    if (Glyph.isValid())
+        Glyph.render(&Painter, QRectF(GlyphRect()));
+
+    if (hasFocus()) {
+        QStyleOptionFocusRect Option;
+        Option.initFrom(this);
+        Option.rect = Text;
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &Option, &Painter, this);
+    }
+}
+
+void TQxCheckBox::keyPressEvent(QKeyEvent* Event)
+{
+    if ((Event->key() == Qt::Key_Return || Event->key() == Qt::Key_Enter)
+        && !(Event->modifiers() & ~Qt::KeypadModifier)) {
+        SelectNextControl(this, true);
+        Event->accept();
+        return;
+    }
+    QAbstractButton::keyPressEvent(Event);
+}
+
+// A click by mouse or key flips the state through here, before clicked() is emitted.
+void TQxCheckBox::nextCheckState()
+{
+    QAbstractButton::nextCheckState();
+    setFocus(Qt::OtherFocusReason);
+}
+
+void TQxCheckBox::ApplyLanguage()
+{
+    QString Caption;
+    TFont Font;
+    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
+        setText(Caption);
+        SetFont(Font);
+    }
+}
+
+void TQxCheckBox::FollowChecked()
+{
+    if (d->Control)
+        d->Control->setEnabled(isChecked());
+    update();
+}
+
+} // namespace Kesh

@@ -1,0 +1,236 @@
+// Kesh for Qt — the bilingual panel.
+#include "panel.h"
+
+#include <QPainter>
+#include <utility>
+
+namespace Kesh {
+
+struct TQxCustomPanelPrivate
+{
+    bool LanguagePending = false;
+    TBiCaption Bi;
+    QString Caption;
+    TFont Font;
+    TxTextLook Look{TxNormal, clGray, 2};
+    bool GradFill = false;
+    TColor ColorFrom = clWhite;
+    TColor ColorTo = clBtnFace;
+    TxGradDir Direction = gdHorizontal;
+    TColor Color = clBtnFace;
+    Qt::Alignment Alignment = Qt::AlignHCenter;
+};
+
+TQxCustomPanel::TQxCustomPanel(QWidget* Parent) : QFrame(Parent), d(new TQxCustomPanelPrivate)
+{
+    setFrameStyle(QFrame::Panel | QFrame::Raised);
+    setLineWidth(1);
+    d->Font = d->Bi.FontA = d->Bi.FontE = FontOf(this);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+TQxCustomPanel::~TQxCustomPanel() = default;
+
+QString TQxCustomPanel::GetCaption() const { return d->Caption; }
+
+void TQxCustomPanel::SetCaption(const QString& Value)
+{
+    if (d->Caption != Value) {
+        d->Caption = Value;
+        update();
+    }
+}
+
+QString TQxCustomPanel::GetCaption_a() const { return d->Bi.CaptionA; }
+
+void TQxCustomPanel::SetCaptionA(const QString& Value)
+{
+    d->Bi.CaptionA = Value;
+    if (BiDiMode() == bdRightToLeft)
+        SetCaption(Value);
+}
+
+QString TQxCustomPanel::GetCaption_e() const { return d->Bi.CaptionE; }
+
+void TQxCustomPanel::SetCaptionE(const QString& Value)
+{
+    d->Bi.CaptionE = Value;
+    if (BiDiMode() != bdRightToLeft)
+        SetCaption(Value);
+}
+
+TFont TQxCustomPanel::GetFont() const { return d->Font; }
+
+void TQxCustomPanel::SetFont(const TFont& Value)
+{
+    d->Font = Value;
+    // Children that follow their parent's font take it too.
+    ApplyFont(this, Value);
+    update();
+}
+
+TFont TQxCustomPanel::GetFont_a() const { return d->Bi.FontA; }
+
+void TQxCustomPanel::SetFont_a(const TFont& Value)
+{
+    d->Bi.FontA = Value;
+    if (BiDiMode() == bdRightToLeft)
+        SetFont(Value);
+}
+
+TFont TQxCustomPanel::GetFont_e() const { return d->Bi.FontE; }
+
+void TQxCustomPanel::SetFont_e(const TFont& Value)
+{
+    d->Bi.FontE = Value;
+    if (BiDiMode() != bdRightToLeft)
+        SetFont(Value);
+}
+
+bool TQxCustomPanel::GetGradFill() const { return d->GradFill; }
+
+void TQxCustomPanel::SetGradFill(bool Value)
+{
+    if (d->GradFill != Value) {
+        d->GradFill = Value;
+        update();
+    }
+}
+
+TColor TQxCustomPanel::GetColorFrom() const { return d->ColorFrom; }
+
+void TQxCustomPanel::SetColorFrom(TColor Value)
+{
+    if (d->ColorFrom != Value) {
+        d->ColorFrom = Value;
+        update();
+    }
+}
+
+TColor TQxCustomPanel::GetColorTo() const { return d->ColorTo; }
+
+void TQxCustomPanel::SetColorTo(TColor Value)
+{
+    if (d->ColorTo != Value) {
+        d->ColorTo = Value;
+        update();
+    }
+}
+
+TxGradDir TQxCustomPanel::GetDirection() const { return d->Direction; }
+
+void TQxCustomPanel::SetDirection(TxGradDir Value)
+{
+    if (d->Direction != Value) {
+        d->Direction = Value;
+        update();
+    }
+}
+
+TxTextStyle TQxCustomPanel::GetTextStyle() const { return d->Look.Style; }
+
+void TQxCustomPanel::SetTextStyle(TxTextStyle Value)
+{
+    if (d->Look.Style != Value) {
+        d->Look.Style = Value;
+        update();
+    }
+}
+
+TColor TQxCustomPanel::GetTextShade() const { return d->Look.Shade; }
+
+void TQxCustomPanel::SetTextShade(TColor Value)
+{
+    if (d->Look.Shade != Value) {
+        d->Look.Shade = Value;
+        update();
+    }
+}
+
+int TQxCustomPanel::GetTextShadowPos() const { return d->Look.ShadowPos; }
+
+void TQxCustomPanel::SetTextShadowPos(int Value)
+{
+    if (d->Look.ShadowPos != Value) {
+        d->Look.ShadowPos = Value;
+        update();
+    }
+}
+
+TColor TQxCustomPanel::GetColor() const { return d->Color; }
+
+void TQxCustomPanel::SetColor(TColor Value)
+{
+    if (d->Color != Value) {
+        d->Color = Value;
+        update();
+    }
+}
+
+Qt::Alignment TQxCustomPanel::GetAlignment() const { return d->Alignment; }
+
+void TQxCustomPanel::SetAlignment(Qt::Alignment Value)
+{
+    Value &= Qt::AlignHorizontal_Mask;
+    if (d->Alignment != Value) {
+        d->Alignment = Value;
+        update();
+    }
+}
+
+void TQxCustomPanel::Loaded()
+{
+    // A direction change met while loading was put off until now.
+    if (std::exchange(d->LanguagePending, false))
+        ApplyLanguage();
+}
+
+bool TQxCustomPanel::event(QEvent* Event)
+{
+    if (Event->type() == QEvent::Polish)
+        EndLoading();
+    return QFrame::event(Event);
+}
+
+void TQxCustomPanel::changeEvent(QEvent* Event)
+{
+    QFrame::changeEvent(Event);
+    if (Event->type() == QEvent::LayoutDirectionChange) {
+        if (IsLoading())
+            d->LanguagePending = true;
+        else
+            ApplyLanguage();
+    } else if (Event->type() == QEvent::EnabledChange) {
+        update();
+    }
+}
+
+void TQxCustomPanel::paintEvent(QPaintEvent*)
+{
+    QPainter Painter(this);
+    Painter.setLayoutDirection(layoutDirection());
+    const QRect Face = contentsRect();
+    // The frame covers the border, so the gradient runs exactly over the face inside it.
+    if (d->GradFill) {
+        if (Face != rect())
+            Painter.fillRect(rect(), TColorToQColor(d->Color));
+        PaintGradient(&Painter, Face, d->ColorFrom, d->ColorTo, d->Direction);
+    } else {
+        Painter.fillRect(rect(), TColorToQColor(d->Color));
+    }
+    drawFrame(&Painter);
+    const int Flags = int(d->Alignment) | Qt::AlignVCenter | Qt::TextShowMnemonic;
+    DrawStyledText(&Painter, Face, Flags, d->Caption, d->Font, d->Look, isEnabled());
+}
+
+void TQxCustomPanel::ApplyLanguage()
+{
+    QString Caption;
+    TFont Font;
+    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
+        SetCaption(Caption);
+        SetFont(Font);
+    }
+}
+
+} // namespace Kesh
