@@ -8,3 +8,4 @@
 #include "check_box.h"
 #include "panel.h"
 #include "radio_group.h"
+#include "form_manager.h"
