@@ -4,8 +4,12 @@
 #include "platform/widgets.h"
 
 #include "bi_caption.h"
+#include "buttons.h"
+#include "edit.h"
+#include "time_edit.h"
 #include "label.h"
 #include "check_box.h"
 #include "panel.h"
 #include "radio_group.h"
 #include "form_manager.h"
+#include "lookup_combo.h"

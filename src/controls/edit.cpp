@@ -1,0 +1,403 @@
+#include "edit.h"
+
+#include "buttons.h"
+#include "core/conversions.h"
+#include "core/messages.h"
+#include "platform/exceptions.h"
+#include "platform/rtl/datetime.h"
+#include "platform/rtl/numbers.h"
+#include "platform/rtl/strings.h"
+#include "platform/widgets.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QLayout>
+#include <QLocale>
+#include <QPointer>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace Kesh {
+
+namespace {
+
+constexpr unsigned ErrorBeep = 16;
+
+// The locale's short date form with a four-digit year, so that the text reads back to
+// the same day.
+QString DateFormat()
+{
+    QString Format = QLocale().dateFormat(QLocale::ShortFormat);
+    if (!Format.contains(QLatin1String("yyyy")))
+        Format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    return Format;
+}
+
+QString DateText(TDateTime Value, bool& Ok)
+{
+    const QDate D = DateTimeToQDate(Value);
+    Ok = D.isValid();
+    return Ok ? QLocale().toString(D, DateFormat()) : QString();
+}
+
+bool TryTextToDate(const QString& S, TDateTime& Value)
+{
+    const QString Text = Trim(S);
+    QDate D = QLocale().toDate(Text, DateFormat());
+    if (!D.isValid())
+        D = QDate::fromString(Text, Qt::ISODate);
+    if (!D.isValid())
+        return false;
+    Value = QDateToDateTime(D);
+    return true;
+}
+
+// A date, then optionally a blank and a time of day.
+bool TryTextToDateTime(const QString& S, TDateTime& Value)
+{
+    const QString Text = Trim(S);
+    if (TryTextToDate(Text, Value))
+        return true;
+    const qsizetype Blank = Text.lastIndexOf(QLatin1Char(' '));
+    TDateTime Day = 0, Time = 0;
+    // The time may carry a marker after a blank ("2:30 PM"): try each blank from the right.
+    for (qsizetype At = Blank; At > 0; At = Text.lastIndexOf(QLatin1Char(' '), At - 1)) {
+        if (TryTextToDate(Text.left(At), Day) && TryStrToTime(Text.mid(At + 1), Time)) {
+            Value = Day < 0 ? Day - Time : Day + Time;
+            return true;
+        }
+    }
+    return false;
+}
+
+// No exception may leave an event handler: the silent abort ends Action quietly, any
+// other library error is shown as the application object would show it.
+// Sender, which gets the focus back, may be gone by then.
+template <class F>
+void RunGuarded(QObject* Sender, F&& Action)
+{
+    const QPointer<QObject> Target = Sender;
+    try {
+        Action();
+    } catch (const EAbort&) {
+    } catch (const Exception& E) {
+        ShowError(E.Message, Target.data());
+    }
+}
+
+} // namespace
+
+// ---- TQxCustomEdit ----
+
+TQxCustomEdit::TQxCustomEdit(QWidget* Parent) : QLineEdit(Parent)
+{
+    setFont(TFont().Font());
+    resize(StepWidth(m_fixedSize), FixedHeight);
+    ApplyStateColor();
+}
+
+int TQxCustomEdit::StepWidth(int Step)
+{
+    return Step >= 1 && Step <= 6 ? 101 + 104 * (Step - 1) : 0;
+}
+
+void TQxCustomEdit::SetFixedSize(int Value)
+{
+    if (!SizeRuleApplies())
+        return;
+    m_fixedSize = Value;
+    FixedSizeChanged();
+    updateGeometry();
+    ApplySizeRule();
+    update();
+}
+
+void TQxCustomEdit::SetColorEnabled(TColor Value)
+{
+    m_colorEnabled = Value;
+    update();
+}
+
+void TQxCustomEdit::SetColorDisabled(TColor Value)
+{
+    m_colorDisabled = Value;
+    update();
+}
+
+TColor TQxCustomEdit::GetColor() const
+{
+    return QColorToTColor(palette().color(QPalette::Base));
+}
+
+void TQxCustomEdit::SetColor(TColor Value)
+{
+    QPalette P = palette();
+    P.setColor(QPalette::All, QPalette::Base, TColorToQColor(Value));
+    setPalette(P);
+}
+
+bool TQxCustomEdit::IsManagedByLayout() const
+{
+    const QWidget* P = parentWidget();
+    if (!P || !P->layout())
+        return false;
+    // Nested layouts are children of the parent's top layout.
+    const auto Layouts = P->findChildren<QLayout*>();
+    auto* Self = const_cast<TQxCustomEdit*>(this);
+    return std::any_of(Layouts.begin(), Layouts.end(), [Self](QLayout* L) { return L->indexOf(Self) >= 0; });
+}
+
+QSize TQxCustomEdit::sizeHint() const
+{
+    const QSize Hint = QLineEdit::sizeHint();
+    if (!SizeRuleApplies())
+        return Hint;
+    const int W = StepWidth(m_fixedSize);
+    return QSize(W ? W : Hint.width(), FixedHeight);
+}
+
+void TQxCustomEdit::MoveFocus(bool Forward)
+{
+    // A hidden window has no focus to move: the key is swallowed all the same.
+    if (window()->isVisible())
+        SelectNextControl(this, Forward);
+}
+
+void TQxCustomEdit::keyPressEvent(QKeyEvent* Event)
+{
+    const int Key = Event->key();
+    const Qt::KeyboardModifiers Mods = Event->modifiers();
+    const bool Plain = !(Mods & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    // Control or Command without Alt (Alt+Control is AltGr on some systems) makes a
+    // command such as paste, never typing.
+    const bool Command = (Mods & (Qt::ControlModifier | Qt::MetaModifier)) && !(Mods & Qt::AltModifier);
+    if (Key == Qt::Key_Return || Key == Qt::Key_Enter) {
+        MoveFocus(true);
+    } else if (Plain && (Key == Qt::Key_Up || Key == Qt::Key_Down)) {
+        MoveFocus(Key == Qt::Key_Down);
+    } else {
+        // Control characters (Backspace, Escape) keep their meaning; the filter judges
+        // what would be typed into the text.
+        const QString Typed = Command ? QString() : Event->text();
+        const bool Refused = std::any_of(Typed.begin(), Typed.end(),
+                                         [this](QChar C) { return C.unicode() >= 32 && !AcceptsChar(C); });
+        if (!Refused) {
+            QLineEdit::keyPressEvent(Event);
+            return;
+        }
+        Beep(ErrorBeep);
+    }
+    Event->accept();
+}
+
+void TQxCustomEdit::focusOutEvent(QFocusEvent* Event)
+{
+    QLineEdit::focusOutEvent(Event);
+    // A pop-up menu or another window taking over leaves the focus conceptually here.
+    if (Event->reason() == Qt::PopupFocusReason || Event->reason() == Qt::ActiveWindowFocusReason)
+        return;
+    RunGuarded(this, [this] { DoExit(); });
+}
+
+void TQxCustomEdit::resizeEvent(QResizeEvent* Event)
+{
+    QLineEdit::resizeEvent(Event);
+    ApplySizeRule();
+    Resized();
+}
+
+void TQxCustomEdit::changeEvent(QEvent* Event)
+{
+    QLineEdit::changeEvent(Event);
+    if (Event->type() == QEvent::EnabledChange)
+        ApplyStateColor();
+}
+
+// Resizing from inside a resize event is safe: the nested event finds the size right.
+void TQxCustomEdit::ApplySizeRule()
+{
+    if (!SizeRuleApplies())
+        return;
+    const int W = StepWidth(m_fixedSize);
+    const QSize Wanted(W ? W : width(), FixedHeight);
+    if (size() != Wanted)
+        resize(Wanted);
+}
+
+void TQxCustomEdit::ApplyStateColor()
+{
+    SetColor(isEnabled() ? m_colorEnabled : m_colorDisabled);
+}
+
+// ---- TQxEdit ----
+
+TQxEdit::TQxEdit(QWidget* Parent) : TQxCustomEdit(Parent)
+{
+    FixedSizeChanged();
+}
+
+// Layouts keep the standard size through the size hint; a free width stretches.
+void TQxEdit::FixedSizeChanged()
+{
+    setSizePolicy(StepWidth(GetFixedSize()) ? QSizePolicy::Fixed : QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+bool TQxEdit::IsEmpty() const
+{
+    return Kesh::IsEmpty(text());
+}
+
+int TQxEdit::AsInteger() const
+{
+    return Kesh::AsInteger(text());
+}
+
+void TQxEdit::SetAsInteger(int Value)
+{
+    setText(QString::number(Value));
+}
+
+double TQxEdit::AsFloat() const
+{
+    return double(Kesh::AsFloat(text()));
+}
+
+void TQxEdit::SetAsFloat(double Value)
+{
+    setText(FloatToStr(Value));
+}
+
+TDateTime TQxEdit::AsDate() const
+{
+    TDateTime Value = 0;
+    return TryTextToDate(text(), Value) ? Value : 0;
+}
+
+void TQxEdit::SetAsDate(TDateTime Value)
+{
+    if (Value == 0) {
+        clear();
+        return;
+    }
+    bool Ok = false;
+    const QString Text = DateText(Value, Ok);
+    setText(Ok ? Text : QStringLiteral("#Error#"));
+}
+
+TDateTime TQxEdit::AsDateTime() const
+{
+    TDateTime Value = 0;
+    return TryTextToDateTime(text(), Value) ? Value : 0;
+}
+
+void TQxEdit::SetAsDateTime(TDateTime Value)
+{
+    if (Value == 0) {
+        clear();
+        return;
+    }
+    bool Ok = false;
+    QString Text = DateText(Value, Ok);
+    int H = 0, M = 0, S = 0, Ms = 0;
+    DecodeTime(Value, H, M, S, Ms);
+    if (Ok && (H || M || S))
+        Text += QLatin1Char(' ') + Int2Str(H, 2) + QLatin1Char(':') + Int2Str(M, 2) + QLatin1Char(':') + Int2Str(S, 2);
+    setText(Ok ? Text : QStringLiteral("#Error#"));
+}
+
+bool TQxEdit::AcceptsChar(QChar C) const
+{
+    if (m_dataEntry == DeAnything)
+        return true;
+    if (C >= QLatin1Char('0') && C <= QLatin1Char('9'))
+        return true;
+    if (C == QLatin1Char('-'))
+        return text().isEmpty();
+    // The point typed is always '.', whatever the locale's separator.
+    return m_dataEntry == DeFloat && C == QLatin1Char('.') && !text().contains(QLatin1Char('.'));
+}
+
+bool TQxEdit::NumberIsValid() const
+{
+    if (m_dataEntry == DeInteger) {
+        qint64 I = 0;
+        return TryStrToInt64(text(), I);
+    }
+    if (m_dataEntry == DeFloat) {
+        long double F = 0;
+        return TryStrToFloat(text(), F);
+    }
+    return true;
+}
+
+void TQxEdit::DoExit()
+{
+    if (!Kesh::IsEmpty(text()) && !NumberIsValid())
+        ShowError(BiStr(QStringLiteral("الرقم غير صحيح."), QStringLiteral("Incorrect number.")), this);
+    emit Exit();
+}
+
+// ---- TQxEditButton ----
+
+TQxEditButton::TQxEditButton(QWidget* Parent) : TQxEdit(Parent), m_button(new TQxBitBtn(this))
+{
+    m_button->setText(QStringLiteral("..."));
+    QFont Bold = m_button->font();
+    Bold.setBold(true);
+    m_button->setFont(Bold);
+    // The edit keeps the focus while its own button is used: no exit check runs for it.
+    m_button->setFocusPolicy(Qt::NoFocus);
+    m_button->setCursor(Qt::ArrowCursor);
+    connect(m_button, &QAbstractButton::clicked, this, &TQxEditButton::ButtonClick);
+    PlaceButton();
+}
+
+QKeySequence TQxEditButton::GetHotKey() const
+{
+    return m_button->GetHotKey();
+}
+
+void TQxEditButton::SetHotKey(const QKeySequence& Value)
+{
+    m_button->SetHotKey(Value);
+}
+
+void TQxEditButton::ButtonClick()
+{
+    if (!isVisible() || !isEnabled())
+        return;
+    const QPointer<TQxEditButton> Self = this; // the handler may close the form
+    RunGuarded(this, [&] {
+        if (_OnButtonClick)
+            _OnButtonClick(this);
+        if (Self)
+            setFocus(Qt::OtherFocusReason);
+    });
+}
+
+void TQxEditButton::Resized()
+{
+    PlaceButton();
+}
+
+void TQxEditButton::changeEvent(QEvent* Event)
+{
+    TQxEdit::changeEvent(Event);
+    if (Event->type() == QEvent::LayoutDirectionChange || Event->type() == QEvent::StyleChange)
+        PlaceButton();
+}
+
+// The button fills the inside of the frame at the trailing edge; the text margin on that
+// side keeps the text clear of it.
+void TQxEditButton::PlaceButton()
+{
+    const int Frame = hasFrame() ? style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this) : 0;
+    const bool RightToLeft = layoutDirection() == Qt::RightToLeft;
+    m_button->setGeometry(RightToLeft ? Frame : width() - Frame - ButtonWidth, Frame, ButtonWidth,
+                          qMax(0, height() - 2 * Frame));
+    const int Margin = ButtonWidth + 2;
+    setTextMargins(RightToLeft ? Margin : 0, 0, RightToLeft ? 0 : Margin, 0);
+}
+
+} // namespace Kesh
