@@ -3,3 +3,4 @@
 #include <Kesh.h>
 #include "platform/data.h"
 #include "qx_ado_connection.h"
+#include "qx_ado_datasets.h"

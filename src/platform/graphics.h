@@ -1,5 +1,8 @@
 // Kesh for Qt — the colour and font value types of the classic component platform.
 #pragma once
+// The namespace's own meta-object (with TBiDiMode) must come before the using-directive
+// below, or a later Q_ENUM_NS in Kesh would see two staticMetaObjects.
+#include "application.h"
 #include "kesh_global.h"
 #include <QColor>
 #include <QFlags>

@@ -14,6 +14,8 @@ private slots:
     void trim();
     void stringReplace_data();
     void stringReplace();
+    void quotedStr_data();
+    void quotedStr();
 };
 
 void TestRtlStrings::trim_data()
@@ -73,6 +75,24 @@ void TestRtlStrings::stringReplace()
     QFETCH(int, flags);
     QFETCH(QString, result);
     QCOMPARE(StringReplace(text, oldPattern, newPattern, TReplaceFlags(flags)), result);
+}
+
+void TestRtlStrings::quotedStr_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("quoted");
+    QTest::newRow("empty") << "" << "''";
+    QTest::newRow("plain") << "Pen" << "'Pen'";
+    QTest::newRow("inner quote doubled") << "O'Brien" << "'O''Brien'";
+    QTest::newRow("only quotes") << "''" << "''''''";
+    QTest::newRow("arabic") << "قلم" << "'قلم'";
+}
+
+void TestRtlStrings::quotedStr()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, quoted);
+    QCOMPARE(QuotedStr(text), quoted);
 }
 
 QTEST_GUILESS_MAIN(TestRtlStrings)

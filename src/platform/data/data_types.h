@@ -1,5 +1,8 @@
 // Kesh for Qt — the enumerations of the dataset framework and of its ADO datasets.
 #pragma once
+// Kesh's own meta-object (with TBiDiMode) must come before `using namespace DB` below, or
+// a later Q_ENUM_NS in Kesh would see two staticMetaObjects.
+#include "../application.h"
 #include "../kesh_global.h"
 #include <QFlags>
 #include <QObject>

@@ -32,4 +32,11 @@ QString StringReplace(const QString& S, const QString& OldPattern, const QString
     return Result;
 }
 
+QString QuotedStr(const QString& S)
+{
+    QString Result = S;
+    Result.replace(QLatin1Char('\''), QStringLiteral("''"));
+    return QLatin1Char('\'') + Result + QLatin1Char('\'');
+}
+
 } // namespace Kesh
