@@ -5,9 +5,13 @@
 
 #include <Kesh.h>
 
+#include <QDialog>
 #include <QDir>
+#include <QPointer>
 #include <QTabWidget>
+#include <QTimer>
 #include <cstdio>
+#include <functional>
 
 using namespace Kesh;
 
@@ -27,6 +31,53 @@ QString ScreenshotFolder(int argc, char** argv)
     return QString();
 }
 
+// Runs Show, which opens a modal dialog, saves the dialog to File once it is on screen and
+// closes it with "No" / "Cancel" (reject).
+bool SaveDialog(const QString& File, const std::function<void()>& Show)
+{
+    bool Saved = false;
+    QPointer<QDialog> Seen;
+    QTimer Poll;
+    Poll.setInterval(50);
+    QObject::connect(&Poll, &QTimer::timeout, [&] {
+        auto* Dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!Dialog)
+            return;
+        if (Seen != Dialog) {  // let it lay itself out for one turn of the loop first
+            Seen = Dialog;
+            return;
+        }
+        Poll.stop();
+        Saved = Dialog->grab().save(File);
+        Dialog->reject();
+    });
+    Poll.start();
+    Show();
+    Poll.stop();
+    return Saved;
+}
+
+bool WriteDialogs(const QString& Folder, const QString& Lang)
+{
+    const struct {
+        const char* Name;
+        std::function<void()> Show;
+    } Dialogs[] = {
+        {"dialog-info", [] { ShowMsg(BiStr(QStringLiteral("تم حفظ الفاتورة رقم 1024."), QStringLiteral("Invoice 1024 was saved."))); }},
+        {"dialog-error", [] { ShowError(BiStr(QStringLiteral("الرقم غير صحيح."), QStringLiteral("Incorrect number."))); }},
+        {"dialog-question", [] { Sure(BiStr(QStringLiteral("سيُحذف الصنف نهائياً."), QStringLiteral("The item will be deleted for good.")), false); }},
+    };
+    for (const auto& Dialog : Dialogs) {
+        const QString File = QDir(Folder).filePath(QString::fromLatin1(Dialog.Name) + QLatin1Char('-') + Lang + QStringLiteral(".png"));
+        if (!SaveDialog(File, Dialog.Show)) {
+            std::fprintf(stderr, "Cannot write %s\n", qPrintable(File));
+            return false;
+        }
+        std::printf("%s\n", qPrintable(File));
+    }
+    return true;
+}
+
 int WriteScreenshots(DemoWindow& Window, const QString& Folder)
 {
     if (!QDir().mkpath(Folder)) {
@@ -34,8 +85,9 @@ int WriteScreenshots(DemoWindow& Window, const QString& Folder)
         return 1;
     }
     Window.show();
+    Window.resize(900, 640);
     for (TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
-        Application()->SetBiDiMode(Mode);
+        Window.SetLanguage(Mode);
         const QString Lang = Mode == bdRightToLeft ? QStringLiteral("ar") : QStringLiteral("en");
         for (int I = 0; I < Window.Pages().size(); ++I) {
             Window.Tabs()->setCurrentIndex(I);
@@ -47,6 +99,8 @@ int WriteScreenshots(DemoWindow& Window, const QString& Folder)
             }
             std::printf("%s\n", qPrintable(File));
         }
+        if (!WriteDialogs(Folder, Lang))
+            return 1;
     }
     return 0;
 }
