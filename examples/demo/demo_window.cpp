@@ -1,6 +1,7 @@
 #include "demo_window.h"
 #include "core_tools_page.h"
 #include "database_page.h"
+#include "entry_page.h"
 #include "rules_page.h"
 
 #include <Kesh_Controls.h>
@@ -56,6 +57,7 @@ DemoWindow::DemoWindow(QWidget* Parent) : QMainWindow(Parent)
     const QString DataDir = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     QDir().mkpath(DataDir);
     const QString DatabaseFile = QDir(DataDir).filePath(QStringLiteral("kesh-demo.db"));
+    AddPage(new EntryPage);
     AddPage(new CoreToolsPage);
     AddPage(new DatabasePage(DatabaseFile));
     AddPage(new RulesPage(DatabaseFile));
