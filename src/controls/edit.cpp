@@ -6,13 +6,10 @@
 #include "platform/exceptions.h"
 #include "platform/rtl/datetime.h"
 #include "platform/rtl/numbers.h"
-#include "platform/rtl/strings.h"
 #include "platform/widgets.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
-#include <QLayout>
-#include <QLocale>
 #include <QPointer>
 #include <QStyle>
 
@@ -24,51 +21,14 @@ namespace {
 
 constexpr unsigned ErrorBeep = 16;
 
-// The locale's short date form with a four-digit year, so that the text reads back to
-// the same day.
-QString DateFormat()
+// A value the calendar cannot show leaves a visible mark in the box.
+QString DateTextOrError(TDateTime Value, QString (*ToText)(TDateTime))
 {
-    QString Format = QLocale().dateFormat(QLocale::ShortFormat);
-    if (!Format.contains(QLatin1String("yyyy")))
-        Format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
-    return Format;
-}
-
-QString DateText(TDateTime Value, bool& Ok)
-{
-    const QDate D = DateTimeToQDate(Value);
-    Ok = D.isValid();
-    return Ok ? QLocale().toString(D, DateFormat()) : QString();
-}
-
-bool TryTextToDate(const QString& S, TDateTime& Value)
-{
-    const QString Text = Trim(S);
-    QDate D = QLocale().toDate(Text, DateFormat());
-    if (!D.isValid())
-        D = QDate::fromString(Text, Qt::ISODate);
-    if (!D.isValid())
-        return false;
-    Value = QDateToDateTime(D);
-    return true;
-}
-
-// A date, then optionally a blank and a time of day.
-bool TryTextToDateTime(const QString& S, TDateTime& Value)
-{
-    const QString Text = Trim(S);
-    if (TryTextToDate(Text, Value))
-        return true;
-    const qsizetype Blank = Text.lastIndexOf(QLatin1Char(' '));
-    TDateTime Day = 0, Time = 0;
-    // The time may carry a marker after a blank ("2:30 PM"): try each blank from the right.
-    for (qsizetype At = Blank; At > 0; At = Text.lastIndexOf(QLatin1Char(' '), At - 1)) {
-        if (TryTextToDate(Text.left(At), Day) && TryStrToTime(Text.mid(At + 1), Time)) {
-            Value = Day < 0 ? Day - Time : Day + Time;
-            return true;
-        }
+    try {
+        return ToText(Value);
+    } catch (const EConvertError&) {
+        return QStringLiteral("#Error#");
     }
-    return false;
 }
 
 // No exception may leave an event handler: the silent abort ends Action quietly, any
@@ -139,13 +99,7 @@ void TQxCustomEdit::SetColor(TColor Value)
 
 bool TQxCustomEdit::IsManagedByLayout() const
 {
-    const QWidget* P = parentWidget();
-    if (!P || !P->layout())
-        return false;
-    // Nested layouts are children of the parent's top layout.
-    const auto Layouts = P->findChildren<QLayout*>();
-    auto* Self = const_cast<TQxCustomEdit*>(this);
-    return std::any_of(Layouts.begin(), Layouts.end(), [Self](QLayout* L) { return L->indexOf(Self) >= 0; });
+    return Kesh::IsManagedByLayout(this);
 }
 
 QSize TQxCustomEdit::sizeHint() const
@@ -271,39 +225,29 @@ void TQxEdit::SetAsFloat(double Value)
 TDateTime TQxEdit::AsDate() const
 {
     TDateTime Value = 0;
-    return TryTextToDate(text(), Value) ? Value : 0;
+    return TryStrToDate(text(), Value) ? Value : 0;
 }
 
 void TQxEdit::SetAsDate(TDateTime Value)
 {
-    if (Value == 0) {
+    if (Value == 0)
         clear();
-        return;
-    }
-    bool Ok = false;
-    const QString Text = DateText(Value, Ok);
-    setText(Ok ? Text : QStringLiteral("#Error#"));
+    else
+        setText(DateTextOrError(Value, DateToStr));
 }
 
 TDateTime TQxEdit::AsDateTime() const
 {
     TDateTime Value = 0;
-    return TryTextToDateTime(text(), Value) ? Value : 0;
+    return TryStrToDateTime(text(), Value) ? Value : 0;
 }
 
 void TQxEdit::SetAsDateTime(TDateTime Value)
 {
-    if (Value == 0) {
+    if (Value == 0)
         clear();
-        return;
-    }
-    bool Ok = false;
-    QString Text = DateText(Value, Ok);
-    int H = 0, M = 0, S = 0, Ms = 0;
-    DecodeTime(Value, H, M, S, Ms);
-    if (Ok && (H || M || S))
-        Text += QLatin1Char(' ') + Int2Str(H, 2) + QLatin1Char(':') + Int2Str(M, 2) + QLatin1Char(':') + Int2Str(S, 2);
-    setText(Ok ? Text : QStringLiteral("#Error#"));
+    else
+        setText(DateTextOrError(Value, DateTimeToStr));
 }
 
 bool TQxEdit::AcceptsChar(QChar C) const

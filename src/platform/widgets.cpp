@@ -33,7 +33,7 @@ bool Qualifies(QWidget* W, QWidget* Container)
         && W->isVisibleTo(Container) && !W->isWindow();
 }
 
-bool IsInLayout(const QLayout* Layout, QWidget* W)
+bool IsInLayout(const QLayout* Layout, const QWidget* W)
 {
     for (int i = 0; i < Layout->count(); ++i) {
         QLayoutItem* item = Layout->itemAt(i);
@@ -121,6 +121,12 @@ void SelectNextControl(QWidget* From, bool Forward)
         next->setFocus(Forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
 }
 
+bool IsManagedByLayout(const QWidget* Widget)
+{
+    const QWidget* parent = Widget ? Widget->parentWidget() : nullptr;
+    return parent && parent->layout() && IsInLayout(parent->layout(), Widget);
+}
+
 void PostClose(QWidget* Window)
 {
     if (Window)
@@ -137,11 +143,10 @@ void MirrorChildren(QWidget* Parent)
         return;
     }
     const int width = Parent->width();
-    const QLayout* layout = Parent->layout();
     for (QWidget* child : Parent->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
         if (child->isWindow())
             continue;
-        if (!layout || !IsInLayout(layout, child))
+        if (!IsManagedByLayout(child))
             child->move(width - child->x() - child->width(), child->y());
         MirrorChildren(child);
     }

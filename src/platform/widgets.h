@@ -31,6 +31,10 @@ KESH_EXPORT void SelectNextControl(QWidget* From, bool Forward);
 /// Asks Window to close once control returns to the event loop (a posted close request).
 KESH_EXPORT void PostClose(QWidget* Window);
 
+/// True when the layout of Widget's parent places Widget, directly or through any nesting
+/// of sub-layouts.
+KESH_EXPORT bool IsManagedByLayout(const QWidget* Widget);
+
 /// Mirrors the horizontal position of every child of Parent that no layout manages, at
 /// every nesting level: x becomes parent width − x − width. Layouts mirror themselves and
 /// the inner parts of Qt's composite widgets are left alone.

@@ -48,6 +48,15 @@ private slots:
     void qdatetimeFromOtherZone();
     void today();
     void systemTimeFormatsUseClassicSyntax();
+    void dateToStr_data();
+    void dateToStr();
+    void dateToStrOutOfRangeRaises_data();
+    void dateToStrOutOfRangeRaises();
+    void strToDate_data();
+    void strToDate();
+    void strToDateTime_data();
+    void strToDateTime();
+    void cleanup();
 };
 
 void TestRtlDateTime::encodeDate_data()
@@ -441,6 +450,156 @@ void TestRtlDateTime::systemTimeFormatsUseClassicSyntax()
         QVERIFY2(!F.contains(QLatin1Char('m')) && !F.contains(QLatin1Char('t')), qPrintable(F));
     }
     QVERIFY(!S.DecimalSeparator.isNull());
+}
+
+// The date routines follow the default locale; every test starts from the process's own.
+void TestRtlDateTime::cleanup()
+{
+    QLocale::setDefault(QLocale::system());
+}
+
+void TestRtlDateTime::dateToStr_data()
+{
+    QTest::addColumn<QString>("locale");
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("date");
+    QTest::addColumn<QString>("dateTime");
+
+    const double Mar5 = EncodeDate(2024, 3, 5);
+    QTest::newRow("US, afternoon") << "en_US" << Mar5 + EncodeTime(13, 45, 30, 0) << "3/5/2024" << "3/5/2024 13:45:30";
+    QTest::newRow("US, midnight has no time") << "en_US" << Mar5 << "3/5/2024" << "3/5/2024";
+    QTest::newRow("US, milliseconds dropped") << "en_US" << Mar5 + EncodeTime(8, 5, 3, 999) << "3/5/2024"
+                                              << "3/5/2024 08:05:03";
+    QTest::newRow("US, one second past midnight") << "en_US" << Mar5 + EncodeTime(0, 0, 1, 0) << "3/5/2024"
+                                                  << "3/5/2024 00:00:01";
+    QTest::newRow("US, year widened to four digits") << "en_US" << EncodeDate(5, 1, 2) << "1/2/0005" << "1/2/0005";
+    QTest::newRow("US, before day 0 with a time") << "en_US" << -1.25 << "12/29/1899" << "12/29/1899 06:00:00";
+    QTest::newRow("US, last day") << "en_US" << EncodeDate(9999, 12, 31) + 0.5 << "12/31/9999" << "12/31/9999 12:00:00";
+    QTest::newRow("German") << "de_DE" << Mar5 + 0.75 << "05.03.2024" << "05.03.2024 18:00:00";
+    QTest::newRow("British") << "en_GB" << Mar5 << "05/03/2024" << "05/03/2024";
+    // Arabic-Indic digits with right-to-left marks after day and month; the time keeps
+    // Western digits.
+    QTest::newRow("Egyptian Arabic") << "ar_EG" << Mar5 + 0.5 << QString::fromUtf8("٥\u200F/٣\u200F/٢٠٢٤")
+                                     << QString::fromUtf8("٥\u200F/٣\u200F/٢٠٢٤ 12:00:00");
+}
+
+void TestRtlDateTime::dateToStr()
+{
+    QFETCH(QString, locale);
+    QFETCH(double, value);
+    QFETCH(QString, date);
+    QFETCH(QString, dateTime);
+    QLocale::setDefault(QLocale(locale));
+    FormatSettings.TimeAMString = QStringLiteral("AM");
+    FormatSettings.TimePMString = QStringLiteral("PM");
+
+    QCOMPARE(DateToStr(value), date);
+    QCOMPARE(DateTimeToStr(value), dateTime);
+    // Both read back: the day exactly, the moment to the second.
+    TDateTime Day = 0, Moment = 0;
+    QVERIFY(TryStrToDate(date, Day));
+    QCOMPARE(Day, std::trunc(value));
+    QVERIFY(TryStrToDateTime(dateTime, Moment));
+    QCOMPARE(std::trunc(Moment), std::trunc(value));
+    QVERIFY(std::fabs(Moment - value) < 1.0 / 86400);
+}
+
+void TestRtlDateTime::dateToStrOutOfRangeRaises_data()
+{
+    QTest::addColumn<double>("value");
+
+    QTest::newRow("after 9999") << EncodeDate(9999, 12, 31) + 1;
+    QTest::newRow("before year 1") << EncodeDate(1, 1, 1) - 1;
+    QTest::newRow("huge") << 1e12;
+    QTest::newRow("not a number") << NaN;
+    QTest::newRow("infinite") << -std::numeric_limits<double>::infinity();
+}
+
+void TestRtlDateTime::dateToStrOutOfRangeRaises()
+{
+    QFETCH(double, value);
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    QVERIFY_THROWS_EXCEPTION(EConvertError, DateToStr(value));
+    QVERIFY_THROWS_EXCEPTION(EConvertError, DateTimeToStr(value));
+}
+
+void TestRtlDateTime::strToDate_data()
+{
+    QTest::addColumn<QString>("locale");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QDate>("date"); // invalid: the text is refused
+
+    QTest::newRow("US") << "en_US" << "3/5/2024" << QDate(2024, 3, 5);
+    QTest::newRow("US, leading zeros") << "en_US" << "03/05/2024" << QDate(2024, 3, 5);
+    QTest::newRow("US, blanks around") << "en_US" << "  3/5/2024 " << QDate(2024, 3, 5);
+    QTest::newRow("US, ISO form") << "en_US" << "2024-03-05" << QDate(2024, 3, 5);
+    QTest::newRow("US, ISO form with text after refused") << "en_US" << "2024-03-05x" << QDate();
+    QTest::newRow("US, ISO form with a time refused") << "en_US" << "2024-03-05 08:15" << QDate();
+    QTest::newRow("US, short ISO form refused") << "en_US" << "2024-3-5" << QDate();
+    QTest::newRow("US, two-digit year refused") << "en_US" << "3/5/24" << QDate();
+    QTest::newRow("US, February 30 refused") << "en_US" << "2/30/2024" << QDate();
+    QTest::newRow("US, leap day") << "en_US" << "2/29/2024" << QDate(2024, 2, 29);
+    QTest::newRow("US, text after refused") << "en_US" << "3/5/2024 x" << QDate();
+    QTest::newRow("US, with a time refused") << "en_US" << "3/5/2024 10:00" << QDate();
+    QTest::newRow("US, empty") << "en_US" << "" << QDate();
+    QTest::newRow("US, negative year refused") << "en_US" << "3/5/-2024" << QDate();
+    QTest::newRow("US, first day") << "en_US" << "1/1/0001" << QDate(1, 1, 1);
+    QTest::newRow("German, negative year refused") << "de_DE" << "05.04.-2024" << QDate();
+    QTest::newRow("German") << "de_DE" << "05.03.2024" << QDate(2024, 3, 5);
+    QTest::newRow("German, other locale's form refused") << "de_DE" << "3/5/2024" << QDate();
+    QTest::newRow("British: day first") << "en_GB" << "03/05/2024" << QDate(2024, 5, 3);
+    QTest::newRow("Egyptian Arabic") << "ar_EG" << QString::fromUtf8("٥\u200F/٣\u200F/٢٠٢٤") << QDate(2024, 3, 5);
+    QTest::newRow("Egyptian Arabic, ISO form") << "ar_EG" << "2024-03-05" << QDate(2024, 3, 5);
+}
+
+void TestRtlDateTime::strToDate()
+{
+    QFETCH(QString, locale);
+    QFETCH(QString, text);
+    QFETCH(QDate, date);
+    QLocale::setDefault(QLocale(locale));
+
+    TDateTime Value = -7;
+    QCOMPARE(TryStrToDate(text, Value), date.isValid());
+    QCOMPARE(Value, date.isValid() ? QDateToDateTime(date) : -7.0);
+}
+
+void TestRtlDateTime::strToDateTime_data()
+{
+    QTest::addColumn<QString>("locale");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("ok");
+    QTest::addColumn<double>("value");
+
+    const double Mar5 = EncodeDate(2024, 3, 5);
+    QTest::newRow("date alone") << "en_US" << "3/5/2024" << true << Mar5;
+    QTest::newRow("date and time") << "en_US" << "3/5/2024 13:45:30" << true << Mar5 + EncodeTime(13, 45, 30, 0);
+    QTest::newRow("time with a marker") << "en_US" << "3/5/2024 2:30 PM" << true << Mar5 + EncodeTime(14, 30, 0, 0);
+    QTest::newRow("blanks around") << "en_US" << " 3/5/2024 08:15 " << true << Mar5 + EncodeTime(8, 15, 0, 0);
+    QTest::newRow("before day 0 counts away from it") << "en_US" << "12/29/1899 06:00" << true << -1.25;
+    QTest::newRow("ISO date and time") << "en_US" << "2024-03-05 08:15" << true << Mar5 + EncodeTime(8, 15, 0, 0);
+    QTest::newRow("German") << "de_DE" << "05.03.2024 18:00" << true << Mar5 + 0.75;
+    QTest::newRow("hour 25 refused") << "en_US" << "3/5/2024 25:00" << false << 0.0;
+    QTest::newRow("time alone refused") << "en_US" << "10:00" << false << 0.0;
+    QTest::newRow("bad date refused") << "en_US" << "3/5/2024x 10:00" << false << 0.0;
+    QTest::newRow("time first refused") << "en_US" << "10:00 3/5/2024" << false << 0.0;
+    QTest::newRow("empty") << "en_US" << "" << false << 0.0;
+}
+
+void TestRtlDateTime::strToDateTime()
+{
+    QFETCH(QString, locale);
+    QFETCH(QString, text);
+    QFETCH(bool, ok);
+    QFETCH(double, value);
+    QLocale::setDefault(QLocale(locale));
+    FormatSettings.DecimalSeparator = QLatin1Char('.');
+    FormatSettings.TimeAMString = QStringLiteral("AM");
+    FormatSettings.TimePMString = QStringLiteral("PM");
+
+    TDateTime Result = -7;
+    QCOMPARE(TryStrToDateTime(text, Result), ok);
+    QCOMPARE(Result, ok ? value : -7.0);
 }
 
 QTEST_GUILESS_MAIN(TestRtlDateTime)

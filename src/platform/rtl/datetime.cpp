@@ -2,6 +2,9 @@
 
 #include "../exceptions.h"
 #include "format_settings.h"
+#include "strings.h"
+
+#include <QLocale>
 
 #include <cmath>
 
@@ -201,6 +204,77 @@ TDateTime StrToTime(const QString& S)
     if (!TryStrToTime(S, Result))
         throw EConvertError(QStringLiteral("'%1' is not a valid time").arg(S));
     return Result;
+}
+
+namespace {
+
+// The locale's short date form with the year widened to four digits, so that the text
+// reads back to the same day.
+QString ShortDateFormat(const QLocale& Locale)
+{
+    QString Format = Locale.dateFormat(QLocale::ShortFormat);
+    if (!Format.contains(QLatin1String("yyyy")))
+        Format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    return Format;
+}
+
+QString TwoDigits(int Value) { return QStringLiteral("%1").arg(Value, 2, 10, QLatin1Char('0')); }
+
+} // namespace
+
+QString DateToStr(TDateTime Date)
+{
+    const QDate D = DateTimeToQDate(Date);
+    if (!D.isValid())
+        throw EConvertError(QStringLiteral("%1 is not a date between the years 1 and 9999").arg(Date));
+    const QLocale Locale;
+    return Locale.toString(D, ShortDateFormat(Locale));
+}
+
+QString DateTimeToStr(TDateTime DateTime)
+{
+    QString Text = DateToStr(DateTime);
+    int H = 0, M = 0, S = 0, Ms = 0;
+    DecodeTime(DateTime, H, M, S, Ms);
+    if (H || M || S)
+        Text += QLatin1Char(' ') + TwoDigits(H) + QLatin1Char(':') + TwoDigits(M) + QLatin1Char(':') + TwoDigits(S);
+    return Text;
+}
+
+bool TryStrToDate(const QString& S, TDateTime& Value)
+{
+    const QString Text = Trim(S);
+    const QLocale Locale;
+    QDate D = Locale.toDate(Text, ShortDateFormat(Locale));
+    if (!D.isValid()) {
+        // Qt's ISO reading stops after the date and ignores what follows: the text must be
+        // the date alone.
+        const QDate Iso = QDate::fromString(Text, Qt::ISODate);
+        if (Iso.toString(Qt::ISODate) == Text)
+            D = Iso;
+    }
+    // QLocale reads signed years too; only the calendar's years make a TDateTime.
+    if (!D.isValid() || !IsValidDate(D.year(), D.month(), D.day()))
+        return false;
+    Value = QDateToDateTime(D);
+    return true;
+}
+
+bool TryStrToDateTime(const QString& S, TDateTime& Value)
+{
+    const QString Text = Trim(S);
+    if (TryStrToDate(Text, Value))
+        return true;
+    // The time may carry a marker after a blank of its own ("2:30 PM"): try each blank
+    // from the right as the one between date and time.
+    TDateTime Day = 0, Time = 0;
+    for (qsizetype At = Text.lastIndexOf(QLatin1Char(' ')); At > 0; At = Text.lastIndexOf(QLatin1Char(' '), At - 1)) {
+        if (TryStrToDate(Text.left(At), Day) && TryStrToTime(Text.mid(At + 1), Time)) {
+            Value = Combine(DayOf(Day), Time);
+            return true;
+        }
+    }
+    return false;
 }
 
 int DayOfWeek(TDateTime Date)

@@ -25,6 +25,16 @@ KESH_EXPORT void DecodeTime(TDateTime Time, int& Hour, int& Min, int& Sec, int& 
 KESH_EXPORT bool TryStrToTime(const QString& S, TDateTime& Value);
 /// As TryStrToTime; raises EConvertError "'S' is not a valid time".
 KESH_EXPORT TDateTime StrToTime(const QString& S);
+/// The day in the default QLocale's short date form with a four-digit year; raises
+/// EConvertError for a value outside years 1..9999.
+KESH_EXPORT QString DateToStr(TDateTime Date);
+/// DateToStr, then a blank and "hh:mm:ss" unless the time is midnight; raises as DateToStr.
+KESH_EXPORT QString DateTimeToStr(TDateTime DateTime);
+/// Reads a date in the form DateToStr writes, or ISO "yyyy-MM-dd", blanks around allowed;
+/// false (Value untouched) otherwise.
+KESH_EXPORT bool TryStrToDate(const QString& S, TDateTime& Value);
+/// A date as TryStrToDate, then optionally a blank and a time as TryStrToTime reads it.
+KESH_EXPORT bool TryStrToDateTime(const QString& S, TDateTime& Value);
 /// Sunday = 1 … Saturday = 7; 0 outside years 1..9999.
 KESH_EXPORT int DayOfWeek(TDateTime Date);
 /// Moves the day and keeps the time, also for values before day 0.
