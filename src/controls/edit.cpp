@@ -55,6 +55,7 @@ TQxCustomEdit::TQxCustomEdit(QWidget* Parent) : QLineEdit(Parent)
     setFont(TFont().Font());
     resize(StepWidth(m_fixedSize), FixedHeight);
     ApplyStateColor();
+    AlignToReadingSide();
 }
 
 int TQxCustomEdit::StepWidth(int Step)
@@ -166,6 +167,20 @@ void TQxCustomEdit::changeEvent(QEvent* Event)
     QLineEdit::changeEvent(Event);
     if (Event->type() == QEvent::EnabledChange)
         ApplyStateColor();
+    else if (Event->type() == QEvent::LayoutDirectionChange)
+        AlignToReadingSide();
+}
+
+// QLineEdit places text by the direction of its content, so numbers and dates would sit at
+// the left of a right-to-left box. The text starts at the reading side of the control, as
+// the classic edit did; an alignment the program chose itself is left alone.
+void TQxCustomEdit::AlignToReadingSide()
+{
+    const Qt::Alignment Horizontal = alignment() & Qt::AlignHorizontal_Mask;
+    if (Horizontal != Qt::AlignLeft && Horizontal != m_readingSide)
+        return;
+    m_readingSide = Qt::AlignAbsolute | (layoutDirection() == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft);
+    setAlignment(m_readingSide | (alignment() & Qt::AlignVertical_Mask));
 }
 
 // Resizing from inside a resize event is safe: the nested event finds the size right.

@@ -93,8 +93,10 @@ private:
     void MoveFocus(bool Forward);
     void ApplySizeRule();
     void ApplyStateColor();
+    void AlignToReadingSide();
 
     int m_fixedSize = 1;
+    Qt::Alignment m_readingSide;  // the alignment last given for the reading side
     TColor m_colorEnabled = clWhite;
     TColor m_colorDisabled = 0xF0F0F0;
 };

@@ -62,6 +62,58 @@ private slots:
         QVERIFY(E.isReadOnly());
     }
 
+    // The text starts at the reading side whatever its content; a chosen alignment stays.
+    void readingSide_data()
+    {
+        QTest::addColumn<bool>("rtl");
+        QTest::addColumn<bool>("chosen");
+        QTest::addColumn<int>("side");
+        QTest::newRow("ltr") << false << false << int(Qt::AlignLeft);
+        QTest::newRow("rtl") << true << false << int(Qt::AlignRight);
+        QTest::newRow("ltr, centred by the program") << false << true << int(Qt::AlignHCenter);
+        QTest::newRow("rtl, centred by the program") << true << true << int(Qt::AlignHCenter);
+    }
+    void readingSide()
+    {
+        QFETCH(bool, rtl);
+        QFETCH(bool, chosen);
+        QFETCH(int, side);
+        QWidget Form;
+        auto* Edit = new TQxEdit(&Form);
+        auto* Time = new TQxTimeEdit(&Form);
+        for (QLineEdit* Box : {static_cast<QLineEdit*>(Edit), static_cast<QLineEdit*>(Time)}) {
+            Box->setText(QStringLiteral("1024"));
+            if (chosen)
+                Box->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+        }
+        // There and back again: the second switch must find its own alignment to replace.
+        Form.setLayoutDirection(rtl ? Qt::LeftToRight : Qt::RightToLeft);
+        Form.setLayoutDirection(rtl ? Qt::RightToLeft : Qt::LeftToRight);
+        for (QLineEdit* Box : {static_cast<QLineEdit*>(Edit), static_cast<QLineEdit*>(Time)}) {
+            QCOMPARE(int(Box->alignment() & Qt::AlignHorizontal_Mask & ~Qt::AlignAbsolute), side);
+            QVERIFY(Box->alignment() & Qt::AlignVCenter);
+        }
+        if (chosen)
+            return;
+        // The digits are painted at that side: the first ink column is near it.
+        Form.resize(300, 60);
+        Edit->setGeometry(10, 10, 200, 21);
+        const QImage Image = Edit->grab().toImage();
+        int First = -1, Last = -1;
+        for (int X = 3; X < Image.width() - 3; ++X)
+            for (int Y = 3; Y < Image.height() - 3; ++Y)
+                if (qGray(Image.pixel(X, Y)) < 128) {
+                    if (First < 0)
+                        First = X;
+                    Last = X;
+                }
+        QVERIFY(First >= 0);
+        if (rtl)
+            QVERIFY2(Last > Image.width() - 40, qPrintable(QString::number(Last)));
+        else
+            QVERIFY2(First < 40, qPrintable(QString::number(First)));
+    }
+
     void typingFilter_data()
     {
         QTest::addColumn<int>("entry");
