@@ -158,7 +158,7 @@ int main(int argc, char** argv)
 
     // Walk every row.
     qint64 SumKesh = 0, SumQt = 0;
-    const double WalkKesh = Time(3, [&] {
+    const double WalkKesh = Time(7, [&] {
         SumKesh = 0;
         TADOTable Table;
         Table.SetConnection(&Conn);
@@ -170,7 +170,7 @@ int main(int argc, char** argv)
             Table.Next();
         }
     });
-    const double WalkQt = Time(3, [&] {
+    const double WalkQt = Time(7, [&] {
         SumQt = 0;
         QSqlQuery Q(Raw);
         Q.setForwardOnly(true);
@@ -182,12 +182,12 @@ int main(int argc, char** argv)
 
     // Look-ups by key.
     qint64 LookKesh = 0, LookQt = 0;
-    const double DLookupKesh = Time(3, [&] {
+    const double DLookupKesh = Time(7, [&] {
         LookKesh = 0;
         for (int I = 1; I <= Lookups; ++I)
             LookKesh += Conn.DLookup(QStringLiteral("Items"), QStringLiteral("Qty"), QStringLiteral("Item_id = %1").arg(I * 89)).toInt();
     });
-    const double DLookupQt = Time(3, [&] {
+    const double DLookupQt = Time(7, [&] {
         LookQt = 0;
         for (int I = 1; I <= Lookups; ++I) {
             QSqlQuery Q(Raw);
