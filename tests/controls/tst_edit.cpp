@@ -269,6 +269,47 @@ private slots:
         QTRY_VERIFY(F.Edit->hasFocus());
     }
 
+    // A speed button takes no focus, yet clicking it (by mouse or by its hot key) runs the
+    // focused edit's check first: the error is shown before the button's own click.
+    void speedButtonRunsTheCheckFirst_data()
+    {
+        QTest::addColumn<bool>("byHotKey");
+        QTest::addColumn<bool>("rtl");
+        QTest::newRow("mouse") << false << false;
+        QTest::newRow("mouse, rtl") << false << true;
+        QTest::newRow("hot key") << true << false;
+    }
+    void speedButtonRunsTheCheckFirst()
+    {
+        QFETCH(bool, byHotKey);
+        QFETCH(bool, rtl);
+        Application()->SetBiDiMode(rtl ? bdRightToLeft : bdLeftToRight);
+        FieldForm<TQxEdit> F(rtl);
+        F.Edit->SetDataEntry(DeInteger);
+        F.Edit->setText(QStringLiteral("12a"));
+        auto* Save = new TQxSpeedButton(&F.Window);
+        Save->setGeometry(200, 40, 60, 24);
+        Save->SetCaptionE(QStringLiteral("Save"));
+        Save->SetHotKey(QKeySequence(Qt::CTRL | Qt::Key_S));
+        QVERIFY(F.Show());
+
+        DialogDriver Driver;
+        Driver.Click(QStringLiteral("btnOk"));
+        QList<int> DialogsAtClick;
+        connect(Save, &QAbstractButton::clicked, this, [&] { DialogsAtClick << int(Driver.Seen.size()); });
+        if (byHotKey)
+            QTest::keyClick(F.Edit, Qt::Key_S, Qt::ControlModifier);
+        else
+            QTest::mouseClick(Save, Qt::LeftButton);
+
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(u'\n')));
+        QCOMPARE(Driver.Seen.size(), 1);
+        QCOMPARE(Driver.Seen[0].Text, rtl ? QStringLiteral("الرقم غير صحيح.") : QStringLiteral("Incorrect number."));
+        QCOMPARE(DialogsAtClick, QList<int>{1});
+        QCOMPARE(F.Edit->text(), QStringLiteral("12a"));  // nothing typed is lost
+        QTRY_VERIFY(F.Edit->hasFocus());
+    }
+
     // A pop-up menu or another window takes the focus only for a while: no check, no Exit.
     void noCheckOnPassingFocusLoss()
     {
