@@ -11,6 +11,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
+#include <QKeyEvent>
 #include <QGuiApplication>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -740,6 +742,15 @@ bool TQxForm::HandleFormEvent(QEvent* Event)
         return false;
     case QEvent::Close:
         return d->OtherHooksInstalled && HandleClose(static_cast<QCloseEvent*>(Event));
+    case QEvent::KeyPress:
+        // Escape makes a dialog reject() with no close event, past the close checks;
+        // close() runs them and then rejects the dialog all the same.
+        if (d->OtherHooksInstalled && qobject_cast<QDialog*>(Form)
+            && static_cast<QKeyEvent*>(Event)->matches(QKeySequence::Cancel)) {
+            Form->close();
+            return true;
+        }
+        return false;
     default:
         return false;
     }

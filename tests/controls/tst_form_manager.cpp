@@ -377,6 +377,39 @@ private slots:
 
     // ------------------------------------------------------------ closing
 
+    // Escape on a managed dialog passes the same check as closing it.
+    void escapeOnADialogIsChecked()
+    {
+        Application()->SetBiDiMode(bdLeftToRight);
+        auto Dialog = std::make_unique<QDialog>();
+        Dialog->setObjectName(QStringLiteral("DlgItems"));
+        Dialog->resize(300, 200);
+        auto* Edit = new QLineEdit(Dialog.get());
+        auto* M = new TQxForm(Dialog.get(), QStringLiteral("QxForm1"));
+        M->SetOptions(M->GetOptions() | FoCheckModified);
+        TClientDataSet* Ds = MakeItems(Dialog.get());
+        QSignalSpy Rejected(Dialog.get(), &QDialog::rejected);
+        QVERIFY(ShowAndActivate(Dialog.get()));
+        Edit->setFocus();
+        Ds->Edit();
+        Ds->FieldByName(QStringLiteral("Name"))->SetAsString(QStringLiteral("Coffee"));
+        {
+            DialogDriver Driver;
+            Driver.Click(QStringLiteral("btnOk"));
+            QTest::keyClick(Edit, Qt::Key_Escape);
+            QVERIFY(Driver.Errors.isEmpty());
+            QCOMPARE(Driver.Seen.size(), 1);
+            QCOMPARE(Driver.Seen[0].Text, QStringLiteral("cdsItems\r\n") + English);
+        }
+        QVERIFY(Dialog->isVisible());
+        QCOMPARE(Rejected.count(), 0);
+        Ds->Post();
+        QTest::keyClick(Edit, Qt::Key_Escape);
+        QVERIFY(!Dialog->isVisible());
+        QCOMPARE(Rejected.count(), 1);
+        QCOMPARE(Dialog->result(), int(QDialog::Rejected));
+    }
+
     void closeIsRefusedOverUnsavedChanges_data()
     {
         QTest::addColumn<int>("change"); // 0 edit, 1 insert
