@@ -117,8 +117,10 @@ void DemoWindow::AddPage(DemoPage* Page)
 void DemoWindow::SetLanguage(TBiDiMode Mode)
 {
     // The window first, while its direction still differs, then the application, whose
-    // direction the dialogs and the pages' texts follow.
-    m_manager->SetLang(Mode);
+    // direction the dialogs and the pages' texts follow. The manager would hide a form
+    // asked for the language it already has: ask only for a change.
+    if (Mode != m_manager->GetLanguage())
+        m_manager->SetLang(Mode);
     Application()->SetBiDiMode(Mode);
 }
 

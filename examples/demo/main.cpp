@@ -88,6 +88,10 @@ int WriteScreenshots(DemoWindow& Window, const QString& Folder)
     Window.resize(900, 640);
     for (TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
         Window.SetLanguage(Mode);
+        if (!Window.isVisible()) {
+            std::fprintf(stderr, "The window did not come back after the language switch\n");
+            return 1;
+        }
         const QString Lang = Mode == bdRightToLeft ? QStringLiteral("ar") : QStringLiteral("en");
         for (int I = 0; I < Window.Pages().size(); ++I) {
             Window.Tabs()->setCurrentIndex(I);
