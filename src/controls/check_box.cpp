@@ -43,13 +43,19 @@ TQxCheckBox::TQxCheckBox(QWidget* Parent) : QAbstractButton(Parent), d(new TQxCh
 
 TQxCheckBox::~TQxCheckBox() = default;
 
+void TQxCheckBox::SetCaption(const QString& Value)
+{
+    setText(Value);
+    setShortcut(QKeySequence());  // the one QAbstractButton took from an "&" in the text
+}
+
 QString TQxCheckBox::GetCaption_a() const { return d->Bi.CaptionA; }
 
 void TQxCheckBox::SetCaptionA(const QString& Value)
 {
     d->Bi.CaptionA = Value;
     if (BiDiMode() == bdRightToLeft)
-        setText(Value);
+        SetCaption(Value);
 }
 
 QString TQxCheckBox::GetCaption_e() const { return d->Bi.CaptionE; }
@@ -58,7 +64,7 @@ void TQxCheckBox::SetCaptionE(const QString& Value)
 {
     d->Bi.CaptionE = Value;
     if (BiDiMode() != bdRightToLeft)
-        setText(Value);
+        SetCaption(Value);
 }
 
 TFont TQxCheckBox::GetFont() const { return d->Font; }
@@ -249,7 +255,7 @@ void TQxCheckBox::ApplyLanguage()
     QString Caption;
     TFont Font;
     if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        setText(Caption);
+        SetCaption(Caption);
         SetFont(Font);
     }
 }

@@ -23,7 +23,7 @@ class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable
 {
     Q_OBJECT
     Q_PROPERTY(bool Checked READ GetChecked WRITE SetChecked USER true)
-    Q_PROPERTY(QString Caption READ text WRITE setText)
+    Q_PROPERTY(QString Caption READ text WRITE SetCaption)
     Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
     Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
@@ -50,6 +50,9 @@ public:
     bool GetChecked() const { return isChecked(); }
     void SetChecked(bool Value) { setChecked(Value); }
 
+    /// The caption shown now. An "&" is plain text: the caption is drawn without prefix
+    /// processing, so it makes no Alt+letter shortcut either.
+    void SetCaption(const QString& Value);
     QString GetCaption_a() const;
     void SetCaptionA(const QString& Value);
     QString GetCaption_e() const;

@@ -321,6 +321,34 @@ private Q_SLOTS:
         QVERIFY(F.Box->hasFocus());
     }
 
+    // The caption is drawn without prefix processing: "&" makes no Alt+letter shortcut.
+    void ampersandMakesNoShortcut_data()
+    {
+        QTest::addColumn<bool>("rtl");
+        QTest::newRow("ltr") << false;
+        QTest::newRow("rtl") << true;
+    }
+    void ampersandMakesNoShortcut()
+    {
+        QFETCH(bool, rtl);
+        Form F(rtl);
+        F.Box->SetCaptionA(QStringLiteral("&حفظ"));
+        F.Box->SetCaptionE(QStringLiteral("&Save"));
+        F.Box->setProperty("Caption", QStringLiteral("&Keep"));
+        QVERIFY(F.Show());
+        F.Before->setFocus();
+        QTRY_VERIFY(F.Before->hasFocus());
+        QSignalSpy Clicked(F.Box, &QAbstractButton::clicked);
+        QTest::keyClick(F.Before, Qt::Key_S, Qt::AltModifier);
+        QTest::keyClick(F.Before, Qt::Key_K, Qt::AltModifier);
+        QTest::qWait(250);  // a mnemonic clicks through animateClick, after a pause
+        QCOMPARE(Clicked.size(), 0);
+        QCOMPARE(F.Box->GetChecked(), false);
+        QVERIFY(F.Box->shortcut().isEmpty());
+        F.Box->SetBiDiMode(rtl ? bdLeftToRight : bdRightToLeft);
+        QVERIFY(F.Box->shortcut().isEmpty());
+    }
+
     void enterMovesFocus_data()
     {
         QTest::addColumn<bool>("rtl");
