@@ -83,32 +83,32 @@ void WriteEveryRow(TADODataSet* DataSet, const QString& FieldName, const QVarian
 
 bool TxDataSetRules::IsLocked(const TDataSet* DataSet) const
 {
-    if (LockedField.isEmpty())
+    if (m_lockedField.isEmpty())
         return false;
-    const TField* Lock = DataSet->FieldByName(LockedField);
+    const TField* Lock = DataSet->FieldByName(m_lockedField);
     return !Lock->IsNull() && Lock->AsBoolean();
 }
 
 void TxDataSetRules::CheckInsert() const
 {
-    if (!AllowInsert)
+    if (!m_allowInsert)
         Abort();
 }
 
 void TxDataSetRules::CheckEdit(const TDataSet* DataSet) const
 {
     if (IsLocked(DataSet)) {
-        ShowError(Message(DataSet, LockedMsgID));
+        ShowError(Message(DataSet, m_lockedMsgID));
         Abort();
     }
 }
 
 void TxDataSetRules::CheckDelete(const TDataSet* DataSet) const
 {
-    if (!AllowDelete)
+    if (!m_allowDelete)
         Abort();
     CheckEdit(DataSet);
-    if (ConfirmDel && !Sure(Message(DataSet, ConfirmMsgID), false))
+    if (m_confirmDel && !Sure(Message(DataSet, m_confirmMsgID), false))
         Abort();
 }
 
@@ -139,19 +139,19 @@ TQxAdoDataSet::TQxAdoDataSet(QObject* Owner) : TADODataSet(Owner) {}
 
 void TQxAdoDataSet::DoBeforeInsert()
 {
-    m_rules.CheckInsert();
+    CheckInsert();
     TADODataSet::DoBeforeInsert();
 }
 
 void TQxAdoDataSet::DoBeforeEdit()
 {
-    m_rules.CheckEdit(this);
+    CheckEdit(this);
     TADODataSet::DoBeforeEdit();
 }
 
 void TQxAdoDataSet::DoBeforeDelete()
 {
-    m_rules.CheckDelete(this);
+    CheckDelete(this);
     TADODataSet::DoBeforeDelete();
 }
 
@@ -181,19 +181,19 @@ TQxAdoTable::TQxAdoTable(QObject* Owner) : TADOTable(Owner) {}
 
 void TQxAdoTable::DoBeforeInsert()
 {
-    m_rules.CheckInsert();
+    CheckInsert();
     TADOTable::DoBeforeInsert();
 }
 
 void TQxAdoTable::DoBeforeEdit()
 {
-    m_rules.CheckEdit(this);
+    CheckEdit(this);
     TADOTable::DoBeforeEdit();
 }
 
 void TQxAdoTable::DoBeforeDelete()
 {
-    m_rules.CheckDelete(this);
+    CheckDelete(this);
     TADOTable::DoBeforeDelete();
 }
 

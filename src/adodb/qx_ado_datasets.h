@@ -6,21 +6,30 @@
 
 namespace Kesh {
 
-/// The rules both editing datasets share. Refusals are the silent abort (EAbort), so the
-/// grid or button that asked stops without a second message.
+/// The rules both editing datasets share, with the accessors of their published
+/// properties. Refusals are the silent abort (EAbort), so the grid or button that asked
+/// stops without a second message.
 class KESH_EXPORT TxDataSetRules
 {
 public:
-    bool AllowDelete = true;  ///< rows may be deleted
-    int ConfirmMsgID = 0;     ///< message asked before a delete
-    bool AllowInsert = true;  ///< rows may be inserted or appended
-    QString LockedField;      ///< Boolean column that locks its row against edit and delete
-    bool ConfirmDel = false;  ///< ask before each delete
-    int LockedMsgID = 0;      ///< message shown when a locked row is touched
-
-    void CheckInsert() const;
-    void CheckEdit(const TDataSet* DataSet) const;
-    void CheckDelete(const TDataSet* DataSet) const;
+    /// Rows may be deleted (true).
+    bool GetAllowDelete() const { return m_allowDelete; }
+    void SetAllowDelete(bool Value) { m_allowDelete = Value; }
+    /// Message asked before a delete.
+    int GetConfirmMsgID() const { return m_confirmMsgID; }
+    void SetConfirmMsgID(int Value) { m_confirmMsgID = Value; }
+    /// Rows may be inserted or appended (true).
+    bool GetAllowInsert() const { return m_allowInsert; }
+    void SetAllowInsert(bool Value) { m_allowInsert = Value; }
+    /// Boolean column that locks its row against edit and delete; a null does not lock.
+    QString GetLockedField() const { return m_lockedField; }
+    void SetLockedField(const QString& Value) { m_lockedField = Value; }
+    /// Ask before each delete (false).
+    bool GetConfirmDel() const { return m_confirmDel; }
+    void SetConfirmDel(bool Value) { m_confirmDel = Value; }
+    /// Message shown when a locked row is touched.
+    int GetLockedMsgID() const { return m_lockedMsgID; }
+    void SetLockedMsgID(int Value) { m_lockedMsgID = Value; }
 
     /// Message ID of the first TQxForm found among the dataset owner's objects (and, for an
     /// owner inside a window, the window's), in the application's language; without one,
@@ -30,12 +39,24 @@ public:
     /// user's position and controls are untouched; 0 for an unknown column.
     static double Sum(TADODataSet* DataSet, const QString& FieldName);
 
+protected:
+    void CheckInsert() const;
+    void CheckEdit(const TDataSet* DataSet) const;
+    void CheckDelete(const TDataSet* DataSet) const;
+
 private:
     bool IsLocked(const TDataSet* DataSet) const;
+
+    bool m_allowDelete = true;
+    int m_confirmMsgID = 0;
+    bool m_allowInsert = true;
+    QString m_lockedField;
+    bool m_confirmDel = false;
+    int m_lockedMsgID = 0;
 };
 
 /// TADODataSet with the editing rules, ApplyValue and Sum.
-class KESH_EXPORT TQxAdoDataSet : public TADODataSet
+class KESH_EXPORT TQxAdoDataSet : public TADODataSet, public TxDataSetRules
 {
     Q_OBJECT
     Q_PROPERTY(bool _AllowDelete READ GetAllowDelete WRITE SetAllowDelete)
@@ -48,19 +69,6 @@ class KESH_EXPORT TQxAdoDataSet : public TADODataSet
 public:
     explicit TQxAdoDataSet(QObject* Owner = nullptr);
 
-    bool GetAllowDelete() const { return m_rules.AllowDelete; }
-    void SetAllowDelete(bool Value) { m_rules.AllowDelete = Value; }
-    int GetConfirmMsgID() const { return m_rules.ConfirmMsgID; }
-    void SetConfirmMsgID(int Value) { m_rules.ConfirmMsgID = Value; }
-    bool GetAllowInsert() const { return m_rules.AllowInsert; }
-    void SetAllowInsert(bool Value) { m_rules.AllowInsert = Value; }
-    QString GetLockedField() const { return m_rules.LockedField; }
-    void SetLockedField(const QString& Value) { m_rules.LockedField = Value; }
-    bool GetConfirmDel() const { return m_rules.ConfirmDel; }
-    void SetConfirmDel(bool Value) { m_rules.ConfirmDel = Value; }
-    int GetLockedMsgID() const { return m_rules.LockedMsgID; }
-    void SetLockedMsgID(int Value) { m_rules.LockedMsgID = Value; }
-
     /// Writes Value into FieldName of every row (nothing on a read-only or empty set). A
     /// failure is shown with ShowError and ends the loop; the position and the controls
     /// are restored in every case.
@@ -72,14 +80,11 @@ protected:
     void DoBeforeInsert() override;
     void DoBeforeEdit() override;
     void DoBeforeDelete() override;
-
-private:
-    TxDataSetRules m_rules;
 };
 
 /// TADOTable with the same rules. Its ApplyValue lets a failure pass to the caller,
 /// leaving the position and the disabled controls as they are.
-class KESH_EXPORT TQxAdoTable : public TADOTable
+class KESH_EXPORT TQxAdoTable : public TADOTable, public TxDataSetRules
 {
     Q_OBJECT
     Q_PROPERTY(bool _AllowDelete READ GetAllowDelete WRITE SetAllowDelete)
@@ -92,19 +97,6 @@ class KESH_EXPORT TQxAdoTable : public TADOTable
 public:
     explicit TQxAdoTable(QObject* Owner = nullptr);
 
-    bool GetAllowDelete() const { return m_rules.AllowDelete; }
-    void SetAllowDelete(bool Value) { m_rules.AllowDelete = Value; }
-    int GetConfirmMsgID() const { return m_rules.ConfirmMsgID; }
-    void SetConfirmMsgID(int Value) { m_rules.ConfirmMsgID = Value; }
-    bool GetAllowInsert() const { return m_rules.AllowInsert; }
-    void SetAllowInsert(bool Value) { m_rules.AllowInsert = Value; }
-    QString GetLockedField() const { return m_rules.LockedField; }
-    void SetLockedField(const QString& Value) { m_rules.LockedField = Value; }
-    bool GetConfirmDel() const { return m_rules.ConfirmDel; }
-    void SetConfirmDel(bool Value) { m_rules.ConfirmDel = Value; }
-    int GetLockedMsgID() const { return m_rules.LockedMsgID; }
-    void SetLockedMsgID(int Value) { m_rules.LockedMsgID = Value; }
-
     void ApplyValue(const QString& FieldName, const QVariant& Value);
     double Sum(const QString& FieldName) { return TxDataSetRules::Sum(this, FieldName); }
 
@@ -112,9 +104,6 @@ protected:
     void DoBeforeInsert() override;
     void DoBeforeEdit() override;
     void DoBeforeDelete() override;
-
-private:
-    TxDataSetRules m_rules;
 };
 
 } // namespace Kesh
