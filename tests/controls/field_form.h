@@ -1,6 +1,8 @@
 // Test fixture of the edit tests: a window holding a plain line edit, the control under
-// test and another line edit, in that tab order, and a way to type any text into it.
+// test and another line edit, in that tab order; typing any text; the error message check.
 #pragma once
+#include "dialog_helper.h"
+
 #include <QApplication>
 #include <QLineEdit>
 #include <QtTest>
@@ -44,6 +46,18 @@ inline void Type(QWidget* W, const QString& Text)
         const char16_t U = C.toUpper().unicode();
         const Qt::Key Key = U == u'\b' ? Qt::Key_Backspace : U >= 0x20 && U < 0x7F ? Qt::Key(U) : Qt::Key_unknown;
         QTest::sendKeyEvent(QTest::Click, W, Key, QString(C), Qt::NoModifier);
+    }
+}
+
+/// Checks that Driver met the error message Text alone, titled in the reading language,
+/// or no dialog at all when Text is empty.
+inline void ExpectError(const DialogDriver& Driver, const QString& Text, bool RightToLeft)
+{
+    QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(u'\n')));
+    QCOMPARE(Driver.Seen.size(), Text.isEmpty() ? 0 : 1);
+    if (!Text.isEmpty()) {
+        QCOMPARE(Driver.Seen[0].Text, Text);
+        QCOMPARE(Driver.Seen[0].Title, RightToLeft ? QStringLiteral("خطأ") : QStringLiteral("Error"));
     }
 }
 

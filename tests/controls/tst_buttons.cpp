@@ -37,14 +37,11 @@ struct KeyCounter : QObject
 {
     explicit KeyCounter(QWidget* W) { W->installEventFilter(this); }
     int Presses = 0;
-    QStringList* Log = nullptr; // also notes focus losses here, when set
     bool eventFilter(QObject*, QEvent* E) override
     {
         if (E->type() == QEvent::KeyPress) {
             const int key = static_cast<QKeyEvent*>(E)->key();
             Presses += key < Qt::Key_Shift || key > Qt::Key_Alt;
-        } else if (E->type() == QEvent::FocusOut && Log) {
-            *Log << QStringLiteral("exit");
         }
         return false;
     }
@@ -75,13 +72,19 @@ struct Form
 
 TFont MakeFont(int Size)
 {
-    TFont f;
-    f.SetName(QStringLiteral("DejaVu Sans"));
-    f.SetSize(Size);
-    return f;
+    return TFont(QFont(QStringLiteral("DejaVu Sans"), Size));
 }
 
 } // namespace
+
+// A descendant that takes over the icon button's action. The count is kept outside the
+// object: GCC's speculative devirtualization otherwise warns on other buttons' calls.
+class CountingIconButton : public TQxIconButton
+{
+public:
+    static inline int Clicks = 0;
+    void Click() override { ++Clicks; }
+};
 
 class TestButtons : public QObject
 {
@@ -99,7 +102,6 @@ private slots:
         QTest::addColumn<bool>("rtl");
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("fontSize");
-
         const QString a = QStringLiteral("حفظ"), e = QStringLiteral("Save");
         for (int k : {KSpeed, KBit, KIcon}) {
             for (bool app : {false, true}) {
@@ -113,7 +115,6 @@ private slots:
             }
         }
     }
-
     // The button starts in the other direction, then switches.
     void languageSwitch()
     {
@@ -124,7 +125,6 @@ private slots:
         QFETCH(bool, rtl);
         QFETCH(QString, text);
         QFETCH(int, fontSize);
-
         const TBiDiMode from = rtl ? bdLeftToRight : bdRightToLeft, to = rtl ? bdRightToLeft : bdLeftToRight;
         Application()->SetBiDiMode(from);
         QWidget parent;
@@ -159,7 +159,6 @@ private slots:
         QTest::newRow("right to left, no align") << int(bdRightToLeftNoAlign) << false;
         QTest::newRow("reading only") << int(bdRightToLeftReadingOnly) << false;
     }
-
     void setters()
     {
         QFETCH(int, mode);
@@ -205,7 +204,6 @@ private slots:
         QTest::newRow("no key") << "" << QKeySequence() << "" << "";
         QTest::newRow("first combination only") << "" << QKeySequence(QStringLiteral("Ctrl+K, D")) << "Ctrl+K" << "Ctrl+K";
     }
-
     void hintFromHotKey()
     {
         QFETCH(QString, hint);
@@ -240,7 +238,6 @@ private slots:
             QTest::newRow("disabled bit, Delete" + dir) << int(KBit) << rtl << false << int(Qt::Key_Delete) << 0;
         }
     }
-
     void hotKey()
     {
         QFETCH(int, kind);
@@ -248,7 +245,6 @@ private slots:
         QFETCH(bool, enabled);
         QFETCH(int, key);
         QFETCH(int, modifiers);
-
         Form form(rtl);
         form.Edit->setText(QStringLiteral("abc"));
         QAbstractButton* button = MakeButton(kind, &form.Window, [&](auto& b) {
@@ -268,17 +264,9 @@ private slots:
         QVERIFY(!form.Edit->hasSelectedText());
     }
 
-    void twoHotKeysOnOneForm_data()
-    {
-        QTest::addColumn<bool>("rtl");
-        QTest::newRow("left to right") << false;
-        QTest::newRow("right to left") << true;
-    }
-
     void twoHotKeysOnOneForm()
     {
-        QFETCH(bool, rtl);
-        Form form(rtl), other;
+        Form form(true), other;
         auto* save = MakeButton(KBit, &form.Window, [](auto& b) { b.SetHotKey(Qt::CTRL | Qt::Key_S); });
         auto* add = MakeButton(KSpeed, &form.Window, [](auto& b) { b.SetHotKey(Qt::CTRL | Qt::Key_N); });
         QSignalSpy saved(save, &QAbstractButton::clicked);
@@ -295,21 +283,26 @@ private slots:
         QCOMPARE(saved.count(), 1);
     }
 
+    // The mnemonic clicks, or opens the pop-up menu while there is one.
     void mnemonicGoesThroughClick()
     {
         Form form;
-        auto* b = MakeButton(KBit, &form.Window, [](auto& b) { b.SetCaptionE(QStringLiteral("&Print")); });
-        QMenu menu;
-        menu.addAction(QStringLiteral("Preview"));
+        auto* b = static_cast<TQxBitBtn*>(MakeButton(KBit, &form.Window, [](auto& b) { b.SetCaptionE(QStringLiteral("&Print")); }));
+        auto* menu = new QMenu;
+        menu->addAction(QStringLiteral("Preview"));
         QSignalSpy clicked(b, &QAbstractButton::clicked);
         QVERIFY(form.Show());
         QTest::keyClick(form.Edit, Qt::Key_P, Qt::AltModifier);
         QCOMPARE(clicked.count(), 1);
-        static_cast<TQxBitBtn*>(b)->SetPopupMenu(&menu);
+        b->SetPopupMenu(menu);
         QTest::keyClick(form.Edit, Qt::Key_P, Qt::AltModifier);
-        QTRY_VERIFY(menu.isVisible());
+        QTRY_VERIFY(menu->isVisible());
         QCOMPARE(clicked.count(), 1);
-        menu.close();
+        menu->close();
+        delete menu;
+        QCOMPARE(b->GetPopupMenu(), nullptr);
+        b->Click();
+        QCOMPARE(clicked.count(), 2);
     }
 
     void popupMenuInsteadOfClick_data()
@@ -326,7 +319,6 @@ private slots:
             QTest::newRow("bit, Space" + dir) << int(KBit) << rtl << 2;
         }
     }
-
     void popupMenuInsteadOfClick()
     {
         QFETCH(int, kind);
@@ -359,18 +351,6 @@ private slots:
         menu.close();
     }
 
-    void deletedMenuLeavesTheClick()
-    {
-        TQxBitBtn b;
-        auto* menu = new QMenu;
-        b.SetPopupMenu(menu);
-        delete menu;
-        QCOMPARE(b.GetPopupMenu(), nullptr);
-        QSignalSpy clicked(&b, &QAbstractButton::clicked);
-        b.Click();
-        QCOMPARE(clicked.count(), 1);
-    }
-
     void speedButtonTakesTheFocusFirst_data()
     {
         QTest::addColumn<bool>("rtl");
@@ -380,7 +360,6 @@ private slots:
         QTest::newRow("hot key, ltr") << false << true;
         QTest::newRow("hot key, rtl") << true << true;
     }
-
     void speedButtonTakesTheFocusFirst()
     {
         QFETCH(bool, rtl);
@@ -388,8 +367,10 @@ private slots:
         Form form(rtl);
         auto* b = MakeButton(KSpeed, &form.Window, [](auto& b) { b.SetHotKey(Qt::CTRL | Qt::Key_P); });
         QStringList log;
-        KeyCounter exits(form.Edit);
-        exits.Log = &log;
+        QObject::connect(qApp, &QApplication::focusChanged, b, [&](QWidget* old) {
+            if (old == form.Edit)
+                log << QStringLiteral("exit");
+        });
         QObject::connect(b, &QAbstractButton::clicked, [&] {
             log << (form.Edit->hasFocus() ? QStringLiteral("click, edit focused") : QStringLiteral("click"));
         });
@@ -406,13 +387,9 @@ private slots:
     // button is no click.
     void iconButtonClickOverridable()
     {
-        struct Counting : TQxIconButton
-        {
-            int Clicks = 0;
-            void Click() override { ++Clicks; }
-        };
         Form form;
-        auto* b = new Counting;
+        auto* b = new CountingIconButton;
+        CountingIconButton::Clicks = 0;
         form.Window.layout()->addWidget(b);
         b->SetHotKey(Qt::Key_F6);
         QSignalSpy clicked(b, &QAbstractButton::clicked);

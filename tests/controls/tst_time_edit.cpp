@@ -1,6 +1,5 @@
 // The time edit: typing, the parser and the "HH:MM" text on leaving, the range check,
 // typed views and the size rule that holds only outside layouts.
-#include "dialog_helper.h"
 #include "field_form.h"
 
 #include <Kesh.h>
@@ -10,9 +9,7 @@
 #include <QtTest>
 
 using namespace Kesh;
-using KeshTest::DialogDriver;
-using KeshTest::FieldForm;
-using KeshTest::Type;
+using namespace KeshTest;
 
 class TestTimeEdit : public QObject
 {
@@ -25,23 +22,7 @@ private slots:
         FormatSettings.DecimalSeparator = QLatin1Char('.');
     }
 
-    void cleanup()
-    {
-        Application()->SetBiDiMode(bdLeftToRight);
-    }
-
-    void defaults()
-    {
-        TQxTimeEdit E;
-        QVERIFY(E.IsEmpty());
-        QCOMPARE(E.GetFixedSize(), 1);
-        QCOMPARE(E.GetCheckTime(), false);
-        QCOMPARE(E.size(), QSize(101, 21));
-        QCOMPARE(E.GetColor(), clWhite);
-        QCOMPARE(E.GetColorDisabled(), TColor(0xF0F0F0));
-        QVERIFY(E.setProperty("_CheckTime", true));
-        QVERIFY(E.GetCheckTime());
-    }
+    void cleanup() { Application()->SetBiDiMode(bdLeftToRight); }
 
     void typingFilter_data()
     {
@@ -50,19 +31,15 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::addColumn<int>("beeps");
 
-        QTest::newRow("digits") << false << "0123" << "0123" << 0;
-        QTest::newRow("point once") << false << "7.3" << "7.3" << 0;
-        QTest::newRow("colon once, rtl") << true << "07:3" << "07:3" << 0;
-        QTest::newRow("each separator once") << false << "7:3.5" << "7:3.5" << 0;
+        QTest::newRow("each separator once") << false << "07:3.5" << "07:3.5" << 0;
         QTest::newRow("second point refused") << false << "1..2" << "1.2" << 1;
         QTest::newRow("second colon refused, rtl") << true << "1::2" << "1:2" << 1;
         QTest::newRow("letters refused") << false << "1a2" << "12" << 1;
         QTest::newRow("minus refused") << false << "-5" << "5" << 1;
         QTest::newRow("blank refused") << false << "1 2" << "12" << 1;
-        QTest::newRow("Arabic-Indic digit refused, rtl") << true << QStringLiteral("٧") << "" << 1;
+        QTest::newRow("Arabic-Indic digit refused, rtl") << true << "٧" << "" << 1;
         QTest::newRow("backspace passes") << false << "12:3\b" << "12:" << 0;
     }
-
     void typingFilter()
     {
         QFETCH(bool, rtl);
@@ -75,7 +52,7 @@ private slots:
         QTEST(BeepCount() - Beeps, "beeps");
     }
 
-    // What is typed, and the text once the focus has left.
+    // What is typed, its value, and the text once the focus has left.
     void leaving_data()
     {
         QTest::addColumn<bool>("rtl");
@@ -85,25 +62,21 @@ private slots:
 
         QTest::newRow("hour alone") << false << "7" << "07:00" << 700;
         QTest::newRow("short minute gets its zero behind") << false << "7.3" << "07:30" << 730;
-        QTest::newRow("colon, rtl") << true << "07:3" << "07:30" << 730;
         QTest::newRow("no separator: two digits of hours") << false << "1234" << "12:00" << 1200;
         QTest::newRow("empty box") << false << "" << "00:00" << 0;
         QTest::newRow("9:5 is 9:50, rtl") << true << "9:5" << "09:50" << 950;
-        QTest::newRow("last minute of the day") << false << "23:59" << "23:59" << 2359;
-        QTest::newRow("point") << false << "12.45" << "12:45" << 1245;
         QTest::newRow("long parts cut to two digits") << false << "123:456" << "12:45" << 1245;
         QTest::newRow("third part ignored") << false << "7:3.5" << "07:30" << 730;
         QTest::newRow("a leading separator is skipped") << false << ":30" << "30:00" << 3000;
     }
-
     void leaving()
     {
         QFETCH(bool, rtl);
         QFETCH(QString, typed);
+        QFETCH(int, value);
         FieldForm<TQxTimeEdit> F(rtl);
         QVERIFY(F.Show());
         Type(F.Edit, typed);
-        QFETCH(int, value);
         QCOMPARE(F.Edit->AsInteger(), value);
         QCOMPARE(F.Edit->AsFloat(), double(value));
         QCOMPARE(F.Edit->AsDate(), IntToTime(value));
@@ -114,6 +87,7 @@ private slots:
         QTRY_VERIFY(F.After->hasFocus());
     }
 
+    // Exit comes before the check; a refused time keeps its text and the focus.
     void checkTime_data()
     {
         QTest::addColumn<QString>("text");
@@ -131,8 +105,9 @@ private slots:
         QTest::newRow("the bound is on the number") << "12.75" << true << false << "" << "12:75";
         QTest::newRow("negative refused, rtl") << "-1:00" << true << true << Ar << "-1:00";
         QTest::newRow("empty accepted") << "" << true << false << "" << "00:00";
+        // Letters can only be pasted; the parser refuses them with the conversion error.
+        QTest::newRow("letters") << "ab:30" << false << false << "'ab' is not a valid integer value" << "ab:30";
     }
-
     void checkTime()
     {
         QFETCH(QString, text);
@@ -141,49 +116,30 @@ private slots:
         QFETCH(QString, message);
         Application()->SetBiDiMode(rtl ? bdRightToLeft : bdLeftToRight);
         FieldForm<TQxTimeEdit> F(rtl);
-        F.Edit->SetCheckTime(check);
+        QVERIFY(F.Edit->setProperty("_CheckTime", check));
         F.Edit->setText(text);
         QVERIFY(F.Show());
 
         DialogDriver Driver;
-        if (!message.isEmpty())
-            Driver.Click(QStringLiteral("btnOk"));
+        Driver.Click(QStringLiteral("btnOk"));
         QList<int> DialogsAtExit;
         connect(F.Edit, &TQxCustomEdit::Exit, this, [&] { DialogsAtExit << int(Driver.Seen.size()); });
         QTest::keyClick(F.Edit, Qt::Key_Tab);
 
-        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(u'\n')));
-        QCOMPARE(DialogsAtExit, QList<int>{0}); // Exit fires before the check
+        ExpectError(Driver, message, rtl);
+        QCOMPARE(DialogsAtExit, QList<int>{0});
         QTEST(F.Edit->text(), "shown");
-        if (message.isEmpty()) {
-            QCOMPARE(Driver.Seen.size(), 0);
-            QTRY_VERIFY(F.After->hasFocus());
-        } else {
-            QCOMPARE(Driver.Seen.size(), 1);
-            QCOMPARE(Driver.Seen[0].Text, message);
-            QCOMPARE(Driver.Seen[0].Title, rtl ? QStringLiteral("خطأ") : QStringLiteral("Error"));
-            QTRY_VERIFY(F.Edit->hasFocus());
-        }
+        QTRY_VERIFY((message.isEmpty() ? static_cast<QWidget*>(F.After) : F.Edit)->hasFocus());
     }
 
-    // Letters can only be pasted; the parser refuses them with the conversion error.
-    void nonNumericText()
+    void noNumber()
     {
-        FieldForm<TQxTimeEdit> F;
-        F.Edit->setText(QStringLiteral("ab:30"));
-        QVERIFY_THROWS_EXCEPTION(EConvertError, F.Edit->AsIntegerTime());
-        F.Edit->setText(QStringLiteral("  "));
-        QVERIFY(F.Edit->IsEmpty()); // empty to the eye, yet no number
-        QVERIFY_THROWS_EXCEPTION(EConvertError, F.Edit->AsIntegerTime());
-        F.Edit->setText(QStringLiteral("ab:30"));
-        QVERIFY(F.Show());
-        DialogDriver Driver;
-        Driver.Click(QStringLiteral("btnOk"));
-        QTest::keyClick(F.Edit, Qt::Key_Tab);
-        QCOMPARE(Driver.Seen.size(), 1);
-        QCOMPARE(Driver.Seen[0].Text, QStringLiteral("'ab' is not a valid integer value"));
-        QCOMPARE(F.Edit->text(), QStringLiteral("ab:30"));
-        QTRY_VERIFY(F.Edit->hasFocus());
+        TQxTimeEdit E;
+        E.setText(QStringLiteral("ab:30"));
+        QVERIFY_THROWS_EXCEPTION(EConvertError, E.AsIntegerTime());
+        E.setText(QStringLiteral("  "));
+        QVERIFY(E.IsEmpty()); // empty to the eye, yet no number
+        QVERIFY_THROWS_EXCEPTION(EConvertError, E.AsIntegerTime());
     }
 
     void setters_data()
@@ -195,7 +151,6 @@ private slots:
         const double HalfPast12 = (12 * 60 + 30) / 1440.0;
         QTest::newRow("date 0 empties") << "date" << 0.0 << "";
         QTest::newRow("date with a day part") << "date" << 45413.75 << "18:00";
-        QTest::newRow("date, time only") << "date" << HalfPast12 << "12:30";
         QTest::newRow("date-time drops seconds") << "datetime" << HalfPast12 + 59 / 86400.0 << "12:30";
         QTest::newRow("date before day 0") << "date" << -1.25 << "06:00";
         QTest::newRow("date out of range") << "date" << 1e10 << "#Error#";
@@ -207,7 +162,6 @@ private slots:
         QTest::newRow("float beyond 32 bits") << "float" << 1e12 << "";
         QTest::newRow("float beyond 64 bits") << "float" << 1e30 << "#Error#";
     }
-
     void setters()
     {
         QFETCH(QString, view);
@@ -225,16 +179,14 @@ private slots:
         QTEST(E.text(), "expected");
     }
 
+    // Placed by hand the step fixes the width; in a layout it is not even stored.
     void sizeRule_data()
     {
         QTest::addColumn<bool>("inLayout");
         QTest::addColumn<bool>("rtl");
-        QTest::newRow("placed by hand") << false << false;
         QTest::newRow("placed by hand, rtl") << false << true;
         QTest::newRow("in a layout") << true << false;
-        QTest::newRow("in a layout, rtl") << true << true;
     }
-
     void sizeRule()
     {
         QFETCH(bool, inLayout);
@@ -243,16 +195,12 @@ private slots:
         Window.setLayoutDirection(rtl ? Qt::RightToLeft : Qt::LeftToRight);
         Window.resize(600, 200);
         auto* E = new TQxTimeEdit(&Window);
-        if (inLayout) {
-            auto* Layout = new QVBoxLayout(&Window);
-            Layout->addWidget(E);
-            Layout->addStretch();
-        }
+        if (inLayout)
+            (new QVBoxLayout(&Window))->addWidget(E, 0, Qt::AlignTop);
         Window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&Window));
         E->SetFixedSize(2);
         if (!inLayout) {
-            QCOMPARE(E->GetFixedSize(), 2);
             E->resize(300, 40);
             QCOMPARE(E->size(), QSize(205, 21));
             E->SetFixedSize(0);
@@ -260,15 +208,13 @@ private slots:
             QCOMPARE(E->size(), QSize(300, 21));
             return;
         }
-        // The layout decides: the step is not even stored.
         QCOMPARE(E->GetFixedSize(), 1);
         QTRY_VERIFY(E->width() > 500);
         const QSize Given = E->size();
         E->resize(120, 40);
         QCOMPARE(E->size(), QSize(120, 40));
         Window.resize(601, 200); // the layout places it again
-        QTRY_COMPARE(E->height(), Given.height());
-        QVERIFY(E->width() > 500);
+        QTRY_COMPARE(E->size(), QSize(Given.width() + 1, Given.height()));
     }
 };
 

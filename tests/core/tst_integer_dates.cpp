@@ -1,136 +1,38 @@
 // Integer dates: packing, parsing, names, arithmetic, and the Hijri calendar checked day by
-// day against ICU's tabular Islamic calendar ("islamic-tbla").
+// day against Qt's own tabular Islamic calendar.
 #include <Kesh.h>
 
+#include <QCalendar>
 #include <QDate>
 #include <QtTest>
 
-#include <unicode/calendar.h>
-#include <unicode/gregocal.h>
-#include <unicode/timezone.h>
-
 #include <limits>
-#include <memory>
 
 using namespace Kesh;
 
 namespace {
 
-// ICU's arithmetic Islamic calendar with the Thursday epoch, the calendar our conversion
-// implements; both sides in UTC so that a day is a day.
-class IcuTabularIslamic
+// The tabular Islamic calendar with the Thursday epoch is the one the conversion implements.
+// Qt's civil Islamic calendar has the same months but counts from the Friday after, so a
+// Gregorian day's Hijri date is the civil date of the day after it.
+class TabularIslamic
 {
 public:
-    IcuTabularIslamic()
-        : m_gregorian(*icu::TimeZone::getGMT(), m_status)
+    int ToHijri(const QDate& G) const
     {
-        m_islamic.reset(icu::Calendar::createInstance(*icu::TimeZone::getGMT(),
-                                                      icu::Locale("@calendar=islamic-tbla"), m_status));
-    }
-    bool Ok() const { return U_SUCCESS(m_status) && m_islamic && qstrcmp(m_islamic->getType(), "islamic-tbla") == 0; }
-
-    int ToHijri(int Year, int Month, int Day)
-    {
-        m_gregorian.clear();
-        m_gregorian.set(Year, Month - 1, Day);
-        m_islamic->setTime(m_gregorian.getTime(m_status), m_status);
-        return Packed(*m_islamic);
+        const QCalendar::YearMonthDay P = m_civil.partsFromDate(G.addDays(1));
+        return P.year * 10000 + P.month * 100 + P.day;
     }
     // Lenient: day 30 of a 29-day month is the 1st of the next month.
-    int ToGregorian(int Year, int Month, int Day)
-    {
-        SetHijri(Year, Month, Day);
-        m_gregorian.setTime(m_islamic->getTime(m_status), m_status);
-        return Packed(m_gregorian);
-    }
-    int HijriMonthLength(int Year, int Month)
-    {
-        SetHijri(Year, Month, 1);
-        return m_islamic->getActualMaximum(UCAL_DATE, m_status);
-    }
-    UErrorCode Status() const { return m_status; }
+    QDate ToGregorian(int Year, int Month, int Day) const { return m_civil.dateFromParts(Year, Month, 1).addDays(Day - 2); }
+    int MonthLength(int Year, int Month) const { return m_civil.daysInMonth(Month, Year); }
+    bool Ok() const { return m_civil.isValid() && ToHijri(QDate(2024, 3, 11)) == 14450902; }
 
 private:
-    void SetHijri(int Year, int Month, int Day)
-    {
-        m_islamic->clear();
-        m_islamic->set(UCAL_EXTENDED_YEAR, Year);
-        m_islamic->set(UCAL_MONTH, Month - 1);
-        m_islamic->set(UCAL_DATE, Day);
-    }
-    int Packed(const icu::Calendar& C)
-    {
-        return C.get(UCAL_EXTENDED_YEAR, m_status) * 10000 + (C.get(UCAL_MONTH, m_status) + 1) * 100
-               + C.get(UCAL_DATE, m_status);
-    }
-
-    UErrorCode m_status = U_ZERO_ERROR;
-    icu::GregorianCalendar m_gregorian;
-    std::unique_ptr<icu::Calendar> m_islamic;
+    QCalendar m_civil{QCalendar::System::IslamicCivil};
 };
 
-// The conversion written step by step with 80-bit reals where the classic formulation has
-// them: the reference for inputs outside the calendars' ranges, which are converted too.
-long long Tr(long double X)
-{
-    return static_cast<long long>(X);
-}
-
-int ExtendedConvert(int D)
-{
-    long long Y = D / 10000, M = (D % 10000) / 100, Dy = D % 100;
-    if (Y >= 1300 && Y <= 1499) {
-        --Y;
-        --M;
-        const long long N = Tr((Y * 10631 + 14) / 30.0L) + Dy + Tr(M * 29.5L + 0.5L) + 227015;
-        Y = Tr(N / 365.25L) + 3;
-        long long R, T;
-        do {
-            --Y;
-            R = N - (Tr(Y * 365.25L - 365) + 2 - Y / 100 + Y / 400 - Y / 4000);
-        } while (R < 60);
-        M = Tr(R / 30.6L) + 3;
-        do {
-            --M;
-            T = Tr(M * 30.6L - 32.4L);
-            Dy = R - T;
-        } while (R <= T);
-        if (M > 12) {
-            M -= 12;
-            ++Y;
-        }
-    } else {
-        if (M < 3) {
-            M += 12;
-            --Y;
-        }
-        const long long B = 2 - Y / 100 + Y / 400 - Y / 4000;
-        const long long N = B + Tr(Y * 365.25L - 365) + Dy + Tr(M * 30.6L - 32.4L) - 227015;
-        Y = Tr(N / 354.36L) + 3;
-        long long T, T2;
-        do {
-            --Y;
-            T = Tr(((Y - 1) * 10631 + 14) / 30.0L);
-        } while (T >= N);
-        Dy = N - T;
-        M = Dy / 29 + 3;
-        do {
-            --M;
-            T2 = Tr((M - 1) * 29.5L + 0.5L);
-        } while (T2 >= Dy);
-        Dy -= T2;
-        if (M > 12) {
-            --M;
-            Dy += 29;
-        }
-    }
-    return static_cast<int>(static_cast<unsigned>(Y * 10000 + M * 100 + Dy));
-}
-
-int Pack(const QDate& D)
-{
-    return D.year() * 10000 + D.month() * 100 + D.day();
-}
+int Pack(const QDate& D) { return D.year() * 10000 + D.month() * 100 + D.day(); }
 
 } // namespace
 
@@ -164,50 +66,38 @@ private Q_SLOTS:
         QCOMPARE(QList<int>({Y, M, D}), QList<int>({year, month, day}));
         QCOMPARE(QList<int>({GetYear(date), GetMonth(date), GetDay(date)}), QList<int>({year, month, day}));
         QCOMPARE(DateEncode(year, month, day), date);
+        if (date > 0) { // SetDay does not check the day either
+            int Set = DateEncode(year, month, 1);
+            SetDay(Set, day);
+            QCOMPARE(Set, date);
+        }
     }
 
-    void setDayIsUnchecked()
+    // Integer dates against TDateTime serials; "both" rows also convert back.
+    void serials_data()
     {
-        int D = 20240305;
-        SetDay(D, 31);
-        QCOMPARE(D, 20240331);
-        SetDay(D, 45);
-        QCOMPARE(D, 20240345);
-    }
-
-    void dateToInt_data()
-    {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("zero") << 0.0 << 0;
-        QTest::newRow("negative") << -1.5 << 0;
-        QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 0;
-        QTest::newRow("first day") << 0.5 << 18991230;
-        QTest::newRow("plain") << EncodeDate(2024, 3, 5) << 20240305;
-        QTest::newRow("time part ignored") << EncodeDate(2024, 3, 5) + 0.99 << 20240305;
-        QTest::newRow("leap day") << EncodeDate(2000, 2, 29) << 20000229;
-    }
-    void dateToInt()
-    {
-        QFETCH(double, value);
-        QFETCH(int, expected);
-        QCOMPARE(DateToInt(value), expected);
-    }
-
-    void intToDate_data()
-    {
+        QTest::addColumn<double>("serial");
         QTest::addColumn<int>("date");
-        QTest::addColumn<double>("expected");
-        QTest::newRow("plain") << 20240305 << EncodeDate(2024, 3, 5);
-        QTest::newRow("first day") << 18991230 << 0.0;
-        QTest::newRow("no such day") << 20230231 << 0.0;
-        QTest::newRow("no date") << 0 << 0.0;
+        QTest::addColumn<int>("direction"); // 1 serial to date, 2 date to serial, 3 both
+        QTest::newRow("plain") << EncodeDate(2024, 3, 5) << 20240305 << 3;
+        QTest::newRow("leap day") << EncodeDate(2000, 2, 29) << 20000229 << 3;
+        QTest::newRow("zero") << 0.0 << 0 << 3;
+        QTest::newRow("negative") << -1.5 << 0 << 1;
+        QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 0 << 1;
+        QTest::newRow("first day") << 0.5 << 18991230 << 1;
+        QTest::newRow("time part ignored") << EncodeDate(2024, 3, 5) + 0.99 << 20240305 << 1;
+        QTest::newRow("first day has serial 0") << 0.0 << 18991230 << 2;
+        QTest::newRow("no such day") << 0.0 << 20230231 << 2;
     }
-    void intToDate()
+    void serials()
     {
+        QFETCH(double, serial);
         QFETCH(int, date);
-        QFETCH(double, expected);
-        QCOMPARE(IntToDate(date), expected);
+        QFETCH(int, direction);
+        if (direction & 1)
+            QCOMPARE(DateToInt(serial), date);
+        if (direction & 2)
+            QCOMPARE(IntToDate(date), serial);
     }
 
     void asDate_data()
@@ -234,8 +124,7 @@ private Q_SLOTS:
     void asDate()
     {
         QFETCH(QString, text);
-        QFETCH(int, expected);
-        QCOMPARE(AsDate(text), expected);
+        QTEST(AsDate(text), "expected");
     }
 
     void dateToString_data()
@@ -243,7 +132,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("date");
         QTest::addColumn<QString>("expected");
         QTest::newRow("padded") << 20240305 << "05-03-2024";
-        QTest::newRow("hijri") << 14450901 << "01-09-1445";
         QTest::newRow("unchecked") << 20230231 << "31-02-2023";
         QTest::newRow("no date") << 0 << "00-00-0000";
         QTest::newRow("short year") << 240305 << "05-03-0024";
@@ -251,8 +139,7 @@ private Q_SLOTS:
     void dateToString()
     {
         QFETCH(int, date);
-        QFETCH(QString, expected);
-        QCOMPARE(DateToString(date), expected);
+        QTEST(DateToString(date), "expected");
     }
 
     void isDate_data()
@@ -260,7 +147,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("date");
         QTest::addColumn<bool>("isDate");
         QTest::addColumn<bool>("isHijri");
-        QTest::newRow("gregorian") << 20240305 << true << false;
         QTest::newRow("month length unchecked") << 20230231 << true << false;
         QTest::newRow("before 1900") << 18991231 << false << false;
         QTest::newRow("first gregorian") << 19000101 << true << false;
@@ -273,18 +159,16 @@ private Q_SLOTS:
         QTest::newRow("month 13") << 20241301 << false << false;
         QTest::newRow("day 0") << 20240300 << false << false;
         QTest::newRow("day 32") << 20240332 << false << false;
-        QTest::newRow("no date") << 0 << false << false;
         QTest::newRow("negative") << -14450901 << false << false;
     }
     void isDate()
     {
         QFETCH(int, date);
-        QFETCH(bool, isDate);
-        QFETCH(bool, isHijri);
-        QCOMPARE(IsDate(date), isDate);
-        QCOMPARE(IsHijri(date), isHijri);
+        QTEST(IsDate(date), "isDate");
+        QTEST(IsHijri(date), "isHijri");
     }
 
+    // Known days; the loops below compare every day of both ranges with the reference.
     void convertDate_data()
     {
         QTest::addColumn<int>("date");
@@ -296,100 +180,66 @@ private Q_SLOTS:
         QTest::newRow("year 2000") << 20000101 << 14200925;
         QTest::newRow("first hijri year") << 13000101 << 18821111;
         QTest::newRow("355th day of a leap year") << 20240706 << 14451230;
+        // No range check: any packed value is converted by the same arithmetic.
+        QTest::newRow("hijri month 13, day 99") << 14451399 << 20241012;
+        QTest::newRow("hijri month 0, day 0") << 14450000 << 20230618;
+        QTest::newRow("hijri 1300, month 0") << 13000000 << 18821012;
+        QTest::newRow("hijri 1499, month 99") << 14999999 << 20840213;
+        QTest::newRow("gregorian month 0") << 20240001 << 14450519;
+        QTest::newRow("gregorian month 99, day 99") << 20249999 << 14540315;
+        QTest::newRow("year 9999") << 99991231 << 96660401;
+        QTest::newRow("year 10000") << 100000101 << 96660402;
+        QTest::newRow("no date") << 0 << -6409596;
+        QTest::newRow("minus one") << -1 << -6409597;
+        QTest::newRow("negative gregorian") << -20240305 << -27278885;
+        QTest::newRow("negative hijri") << -14450901 << -21309781;
+        QTest::newRow("int max") << std::numeric_limits<int>::max() << -2087957068;
+        QTest::newRow("int min") << std::numeric_limits<int>::min() << 2075120137;
     }
     void convertDate()
     {
         QFETCH(int, date);
-        QFETCH(int, expected);
-        QCOMPARE(ConvertDate(date), expected);
+        QTEST(ConvertDate(date), "expected");
     }
 
-    // The reference must be trusted before it judges thousands of days.
-    void icuReferenceAgreesOnKnownDays()
+    void gregorianToHijriMatchesReferenceEveryDay()
     {
-        IcuTabularIslamic Icu;
-        QVERIFY2(Icu.Ok(), u_errorName(Icu.Status()));
-        QCOMPARE(Icu.ToHijri(2024, 3, 11), 14450902);
-        QCOMPARE(Icu.ToGregorian(1445, 9, 1), 20240310);
-        QCOMPARE(Icu.ToGregorian(1444, 12, 30), 20230718);
-        QCOMPARE(Icu.ToHijri(2000, 1, 1), 14200925);
-    }
-
-    void gregorianToHijriMatchesIcuEveryDay()
-    {
-        IcuTabularIslamic Icu;
-        QVERIFY(Icu.Ok());
-        int Days = 0, Mismatches = 0, FirstBeyond1499 = 0;
-        QString First;
+        const TabularIslamic Reference;
+        QVERIFY(Reference.Ok());
+        int Days = 0, FirstBeyond1499 = 0;
         for (QDate D(1900, 1, 1); D.year() <= 2099; D = D.addDays(1), ++Days) {
-            const int G = Pack(D);
-            const int H = ConvertDate(G);
-            const int Expected = Icu.ToHijri(D.year(), D.month(), D.day());
+            const int G = Pack(D), H = ConvertDate(G), Expected = Reference.ToHijri(D);
             // From 1500 on the year no longer reads as Hijri, so only earlier days go back.
             if (!IsHijri(H) && FirstBeyond1499 == 0)
                 FirstBeyond1499 = G;
-            if (H != Expected || (IsHijri(H) && ConvertDate(H) != G)) {
-                if (Mismatches++ == 0)
-                    First = QStringLiteral("%1 -> %2, ICU %3, back %4").arg(G).arg(H).arg(Expected).arg(ConvertDate(H));
-            }
+            QVERIFY2(H == Expected && (!IsHijri(H) || ConvertDate(H) == G),
+                     qPrintable(QStringLiteral("%1 -> %2, expected %3, back %4").arg(G).arg(H).arg(Expected).arg(ConvertDate(H))));
         }
-        QVERIFY(U_SUCCESS(Icu.Status()));
         QCOMPARE(Days, 73049);
         QCOMPARE(FirstBeyond1499, 20761127);
-        QVERIFY2(Mismatches == 0, qPrintable(QStringLiteral("%1 mismatches, first %2").arg(Mismatches).arg(First)));
     }
 
-    void hijriToGregorianMatchesIcuEveryDay()
+    void hijriToGregorianMatchesReferenceEveryDay()
     {
-        IcuTabularIslamic Icu;
-        QVERIFY(Icu.Ok());
-        int Mismatches = 0, ShortMonths = 0;
-        QString First;
+        const TabularIslamic Reference;
+        QVERIFY(Reference.Ok());
+        int ShortMonths = 0;
         for (int Y = 1300; Y <= 1499; ++Y) {
             for (int M = 1; M <= 12; ++M) {
-                const int Length = Icu.HijriMonthLength(Y, M);
+                const int Length = Reference.MonthLength(Y, M);
                 ShortMonths += Length == 29;
+                // Month lengths are counted one short of the real calendar's.
+                QCOMPARE(GetDaysInMonth(Y * 10000 + M * 100 + 15), Length - 1);
                 for (int D = 1; D <= 30; ++D) {
-                    const int H = Y * 10000 + M * 100 + D;
-                    const int G = ConvertDate(H);
+                    const int H = Y * 10000 + M * 100 + D, G = ConvertDate(H), Expected = Pack(Reference.ToGregorian(Y, M, D));
                     // A day the month does not have is the 1st of the next month.
                     const int Back = D <= Length ? H : (M == 12 ? (Y + 1) * 10000 + 101 : Y * 10000 + (M + 1) * 100 + 1);
-                    if (G != Icu.ToGregorian(Y, M, D) || ConvertDate(G) != Back) {
-                        if (Mismatches++ == 0)
-                            First = QStringLiteral("%1 -> %2, ICU %3").arg(H).arg(G).arg(Icu.ToGregorian(Y, M, D));
-                    }
+                    QVERIFY2(G == Expected && ConvertDate(G) == Back,
+                             qPrintable(QStringLiteral("%1 -> %2, expected %3, back %4").arg(H).arg(G).arg(Expected).arg(ConvertDate(G))));
                 }
             }
         }
-        QVERIFY(U_SUCCESS(Icu.Status()));
         QVERIFY(ShortMonths > 1000); // the rollover branch really ran
-        QVERIFY2(Mismatches == 0, qPrintable(QStringLiteral("%1 mismatches, first %2").arg(Mismatches).arg(First)));
-    }
-
-    // No range check: every packed value is converted, by the same extended arithmetic.
-    void outOfRangeInputFollowsTheExtendedArithmetic()
-    {
-        if (std::numeric_limits<long double>::digits < 64)
-            QSKIP("the reference needs 80-bit long double");
-        const int Months[] = {-99, -1, 0, 1, 2, 3, 11, 12, 13, 14, 99};
-        const int Days[] = {-99, -1, 0, 1, 28, 29, 30, 31, 99};
-        int Mismatches = 0;
-        QString First;
-        auto Check = [&](int D) {
-            if (ConvertDate(D) != ExtendedConvert(D) && Mismatches++ == 0)
-                First = QStringLiteral("%1 -> %2, extended %3").arg(D).arg(ConvertDate(D)).arg(ExtendedConvert(D));
-        };
-        // Every year up to 9999, a sample of the rest of the 32-bit range.
-        for (int Y = -214747; Y <= 214747; Y += (Y > -3000 && Y < 10000) ? 1 : 37)
-            for (int M : Months)
-                for (int D : Days)
-                    Check(Y * 10000 + M * 100 + D);
-        // Every value that reads as Hijri.
-        for (int D = 13000000; D <= 14999999; ++D)
-            Check(D);
-        for (int D : {0, 1, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min(), 99999999, -99999999})
-            Check(D);
-        QVERIFY2(Mismatches == 0, qPrintable(QStringLiteral("%1 mismatches, first %2").arg(Mismatches).arg(First)));
     }
 
     void dateToWords_data()
@@ -399,7 +249,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("arabic");
         QTest::newRow("tuesday") << 20240305 << "Tue. 5 March, 2024" << "الثلاثاء 5 مارس, 2024";
         QTest::newRow("saturday wraps to 1") << 20240309 << "Sat. 9 March, 2024" << "السبت 9 مارس, 2024";
-        QTest::newRow("friday") << 20240308 << "Fri. 8 March, 2024" << "الجمعة 8 مارس, 2024";
         QTest::newRow("december") << 20231225 << "Mon. 25 December, 2023" << "الإثنين 25 ديسمبر, 2023";
         QTest::newRow("hijri keeps its numbers") << 14450902 << "Mon. 2 Ramadan, 1445" << "الإثنين 2 رمضان, 1445";
         QTest::newRow("hijri month 3 is jumada")
@@ -442,65 +291,36 @@ private Q_SLOTS:
     void daysInMonth()
     {
         QFETCH(int, date);
-        QFETCH(int, days);
-        QFETCH(int, left);
-        QCOMPARE(GetDaysInMonth(date), days);
-        QCOMPARE(GetDaysLeft(date), left);
-    }
-
-    void hijriMonthLengthIsOneShortOfIcuEveryMonth()
-    {
-        IcuTabularIslamic Icu;
-        QVERIFY(Icu.Ok());
-        for (int Y = 1300; Y <= 1499; ++Y)
-            for (int M = 1; M <= 12; ++M)
-                QCOMPARE(GetDaysInMonth(Y * 10000 + M * 100 + 15), Icu.HijriMonthLength(Y, M) - 1);
+        QTEST(GetDaysInMonth(date), "days");
+        QTEST(GetDaysLeft(date), "left");
     }
 
     void dateDiff_data()
     {
         QTest::addColumn<int>("d1");
         QTest::addColumn<int>("d2");
-        QTest::addColumn<int>("years");
-        QTest::addColumn<int>("months");
-        QTest::addColumn<int>("days");
-        QTest::newRow("months and days") << 20240315 << 20240110 << 0 << 2 << 5;
-        QTest::newRow("swapped") << 20240110 << 20240315 << 0 << 2 << 5;
-        QTest::newRow("borrows the later month") << 20240301 << 20240131 << 0 << 1 << 1;
-        QTest::newRow("borrow across new year") << 20240105 << 20231231 << 0 << 0 << 5;
-        QTest::newRow("years") << 20240228 << 20000229 << 23 << 11 << 28;
-        QTest::newRow("same day") << 20240305 << 20240305 << 0 << 0 << 0;
-        QTest::newRow("hijri through gregorian") << 14450901 << 14451001 << 0 << 0 << 29;
+        QTest::addColumn<QList<int>>("ymd");
+        QTest::newRow("months and days") << 20240315 << 20240110 << QList<int>{0, 2, 5};
+        QTest::newRow("swapped") << 20240110 << 20240315 << QList<int>{0, 2, 5};
+        QTest::newRow("borrows the later month") << 20240301 << 20240131 << QList<int>{0, 1, 1};
+        QTest::newRow("borrow across new year") << 20240105 << 20231231 << QList<int>{0, 0, 5};
+        QTest::newRow("years") << 20240228 << 20000229 << QList<int>{23, 11, 28};
+        QTest::newRow("same day") << 20240305 << 20240305 << QList<int>{0, 0, 0};
+        QTest::newRow("hijri through gregorian") << 14450901 << 14451001 << QList<int>{0, 0, 29};
         // Only the first date decides the calendar: the second is read as a Gregorian 1445.
-        QTest::newRow("mixed calendars") << 20240310 << 14450901 << 578 << 6 << 9;
+        QTest::newRow("mixed calendars") << 20240310 << 14450901 << QList<int>{578, 6, 9};
+        // An invalid date leaves the outputs as they were.
+        QTest::newRow("invalid first") << 18991231 << 20240305 << QList<int>{7, 8, 9};
+        QTest::newRow("invalid second") << 20240305 << 20241305 << QList<int>{7, 8, 9};
+        QTest::newRow("no date") << 0 << 20240305 << QList<int>{7, 8, 9};
     }
     void dateDiff()
     {
         QFETCH(int, d1);
         QFETCH(int, d2);
-        QFETCH(int, years);
-        QFETCH(int, months);
-        QFETCH(int, days);
-        int Y = -1, M = -1, D = -1;
-        DateDiff(d1, d2, Y, M, D);
-        QCOMPARE(QList<int>({Y, M, D}), QList<int>({years, months, days}));
-    }
-
-    void dateDiffOfAnInvalidDateLeavesTheOutputs_data()
-    {
-        QTest::addColumn<int>("d1");
-        QTest::addColumn<int>("d2");
-        QTest::newRow("first") << 18991231 << 20240305;
-        QTest::newRow("second") << 20240305 << 20241305;
-        QTest::newRow("no date") << 0 << 20240305;
-    }
-    void dateDiffOfAnInvalidDateLeavesTheOutputs()
-    {
-        QFETCH(int, d1);
-        QFETCH(int, d2);
         int Y = 7, M = 8, D = 9;
         DateDiff(d1, d2, Y, M, D);
-        QCOMPARE(QList<int>({Y, M, D}), QList<int>({7, 8, 9}));
+        QTEST(QList<int>({Y, M, D}), "ymd");
     }
 
     void increments_data()
@@ -530,11 +350,8 @@ private Q_SLOTS:
         QFETCH(QString, step);
         QFETCH(int, date);
         QFETCH(int, count);
-        QFETCH(int, expected);
-        const int Result = step == QLatin1String("day") ? DaysInc(date, count)
-                           : step == QLatin1String("month") ? MonthsInc(date, count)
-                                                             : YearsInc(date, count);
-        QCOMPARE(Result, expected);
+        QTEST(step == QLatin1String("day") ? DaysInc(date, count)
+              : step == QLatin1String("month") ? MonthsInc(date, count) : YearsInc(date, count), "expected");
     }
 };
 
