@@ -1,4 +1,5 @@
-// Kesh for Qt — the Arabic and English caption and font that bilingual controls carry.
+// Kesh for Qt — the Arabic and English caption and font that bilingual classes carry, and the
+// one rule that shows the current language's pair.
 #pragma once
 #include "platform/application.h"
 #include "platform/graphics.h"
@@ -22,6 +23,54 @@ struct KESH_EXPORT TBiCaption
     /// The caption of Mode's language, which may be empty.
     QString CaptionOf(TBiDiMode Mode) const { return Mode == bdRightToLeft ? CaptionA : CaptionE; }
     const TFont& FontOf(TBiDiMode Mode) const { return Mode == bdRightToLeft ? FontA : FontE; }
+};
+
+/// What every bilingual class shares: the accessors of `_Caption_a`, `_Caption_e`, `_Font_a`
+/// and `_Font_e`, and the rule that shows them.
+///
+/// A class inherits it (beside its Qt base), declares the four Q_PROPERTYs on these
+/// accessors and implements the three hooks. A setter stores its value and, when the host
+/// reads in that member's language now, shows it at once (an Arabic member under
+/// bdRightToLeft, an English one under any other mode). ApplyBiCaption shows the pair of the
+/// host's language by TBiCaption::Pick: only for bdRightToLeft and bdLeftToRight, and only
+/// when that language's caption is not empty.
+class KESH_EXPORT TxBilingual
+{
+public:
+    QString GetCaption_a() const { return m_bi.CaptionA; }
+    void SetCaptionA(const QString& Value);
+    QString GetCaption_e() const { return m_bi.CaptionE; }
+    void SetCaptionE(const QString& Value);
+    TFont GetFont_a() const { return m_bi.FontA; }
+    void SetFont_a(const TFont& Value);
+    TFont GetFont_e() const { return m_bi.FontE; }
+    void SetFont_e(const TFont& Value);
+
+    /// The four members at once (read-only view).
+    const TBiCaption& BiCaption() const { return m_bi; }
+
+protected:
+    TxBilingual() = default;
+    virtual ~TxBilingual() = default;
+    TxBilingual(const TxBilingual&) = default;
+    TxBilingual& operator=(const TxBilingual&) = default;
+
+    /// The reading direction that decides which member is shown now.
+    virtual TBiDiMode BiLanguage() const = 0;
+    /// Shows Caption as the host's text.
+    virtual void ShowBiCaption(const QString& Caption) = 0;
+    /// Takes Font as the host's font.
+    virtual void ShowBiFont(const TFont& Font) = 0;
+
+    /// Shows the caption and font of BiLanguage() when its caption is not empty; true when
+    /// it showed them.
+    bool ApplyBiCaption();
+    /// Stores both fonts without showing them (creation defaults).
+    void InitBiFonts(const TFont& Font) { m_bi.FontA = m_bi.FontE = Font; }
+
+private:
+    bool ShowsArabic() const { return BiLanguage() == bdRightToLeft; }
+    TBiCaption m_bi;
 };
 
 } // namespace Kesh
