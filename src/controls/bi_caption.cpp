@@ -18,29 +18,35 @@ bool TBiCaption::Pick(TBiDiMode Mode, QString& Caption, TFont& Font) const
 void TxBilingual::SetCaptionA(const QString& Value)
 {
     m_bi.CaptionA = Value;
-    if (ShowsArabic())
-        ShowBiCaption(Value);
+    BiMemberChanged(true, true, Value, m_bi.FontA);
 }
 
 void TxBilingual::SetCaptionE(const QString& Value)
 {
     m_bi.CaptionE = Value;
-    if (!ShowsArabic())
-        ShowBiCaption(Value);
+    BiMemberChanged(false, true, Value, m_bi.FontE);
 }
 
 void TxBilingual::SetFont_a(const TFont& Value)
 {
     m_bi.FontA = Value;
-    if (ShowsArabic())
-        ShowBiFont(Value);
+    BiMemberChanged(true, false, m_bi.CaptionA, Value);
 }
 
 void TxBilingual::SetFont_e(const TFont& Value)
 {
     m_bi.FontE = Value;
-    if (!ShowsArabic())
-        ShowBiFont(Value);
+    BiMemberChanged(false, false, m_bi.CaptionE, Value);
+}
+
+void TxBilingual::BiMemberChanged(bool Arabic, bool Caption, const QString& Text, const TFont& Font)
+{
+    if (Arabic != ShowsArabic())
+        return;
+    if (Caption)
+        ShowBiCaption(Text);
+    else
+        ShowBiFont(Font);
 }
 
 bool TxBilingual::ApplyBiCaption()

@@ -65,6 +65,10 @@ protected:
     /// Shows the caption and font of BiLanguage() when its caption is not empty; true when
     /// it showed them.
     bool ApplyBiCaption();
+    /// A member was stored; by default it is shown at once when BiLanguage() reads in its
+    /// language. A class whose rule is "store and apply again" overrides it with
+    /// ApplyBiCaption().
+    virtual void BiMemberChanged(bool Arabic, bool Caption, const QString& Text, const TFont& Font);
     /// Stores both fonts without showing them (creation defaults).
     void InitBiFonts(const TFont& Font) { m_bi.FontA = m_bi.FontE = Font; }
 
