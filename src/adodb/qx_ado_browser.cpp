@@ -164,6 +164,14 @@ QString ColumnTitle(const TQxAdoBrowserItem* Item, bool RightToLeft)
     return Title.isEmpty() ? Item->FieldName(RightToLeft) : Title;
 }
 
+// A real day of its calendar: 31-2-2024 and 30-2-1445 are refused.
+bool IsRealDate(int D)
+{
+    if (!IsDate(D))
+        return false;
+    return IsHijri(D) ? GetDay(D) <= 30 : QDate::isValid(GetYear(D), GetMonth(D), GetDay(D));
+}
+
 enum class TBadValue { Number, Date, Time };
 
 QString BadValueMessage(TBadValue Kind, const QString& Title, bool RightToLeft)
@@ -239,6 +247,16 @@ bool TQxAdoBrowser::ShowBrowser()
     return Picked;
 }
 
+QString TQxAdoBrowser::LikeText(const QString& Text) const
+{
+    // PostgreSQL reads a backslash in a LIKE pattern as its escape character: doubled, the
+    // backslash the user typed is matched as itself, while % and _ stay wildcards.
+    if (m_dbType != dtPostgreSQL)
+        return Text;
+    QString Escaped = Text;
+    return Escaped.replace(QLatin1Char('\\'), QLatin1String("\\\\"));
+}
+
 bool TQxAdoBrowser::IsTextColumn(const TQxAdoBrowserItem* Item) const
 {
     return Item->GetFieldClass() == fcStandard && IsTextType(Item->GetDataType());
@@ -278,7 +296,7 @@ QString TQxAdoBrowser::BuildQueryText(int SortIndex, const QString& Search, cons
         // PostgreSQL has no LIKE on numbers or dates: those are searched in their text form.
         const QString Column = m_dbType == dtPostgreSQL && !SortsText
             ? QStringLiteral("CAST(") + S + QStringLiteral(" AS TEXT)") : S;
-        Append(QLatin1Char('(') + Column + QStringLiteral(" Like ") + QuoteText(Search + QLatin1Char('%'))
+        Append(QLatin1Char('(') + Column + QStringLiteral(" Like ") + QuoteText(LikeText(Search) + QLatin1Char('%'))
                + QLatin1Char(')'));
     }
     if (!m_criteria.isEmpty())
@@ -318,7 +336,7 @@ QString TQxAdoBrowser::DateTimeLiteral(const QString& Input, QString* Error) con
     QDateTime When;
     bool HasTime = false;
     int D = AsDate(Input);
-    if (IsDate(D)) {
+    if (IsRealDate(D)) {
         if (IsHijri(D))
             D = ConvertDate(D);
         When = QDateTime(QDate(GetYear(D), GetMonth(D), GetDay(D)), QTime(0, 0));
@@ -366,7 +384,7 @@ QString TQxAdoBrowser::FilterTerm(int Index, const QString& Input, bool RightToL
     };
 
     if (Type == ftString || Type == ftFixedChar || Type == ftWideString || IsTextColumn(Item))
-        return C + QStringLiteral(" Like ") + QuoteText(QLatin1Char('%') + Input + QLatin1Char('%'))
+        return C + QStringLiteral(" Like ") + QuoteText(QLatin1Char('%') + LikeText(Input) + QLatin1Char('%'))
             + QLatin1Char(')');
     if (Type == ftSmallint && Class == fcTime) {
         const int T = StringToTime(Input);
@@ -376,7 +394,7 @@ QString TQxAdoBrowser::FilterTerm(int Index, const QString& Input, bool RightToL
     }
     if (Type == ftInteger && Class == fcDate) {
         const int D = AsDate(Input);
-        if (!IsDate(D))
+        if (!IsRealDate(D))
             return Refuse(TBadValue::Date);
         return C + QStringLiteral(" = ") + QString::number(D) + QLatin1Char(')');
     }

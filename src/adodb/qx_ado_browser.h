@@ -191,6 +191,7 @@ public:
 
 private:
     bool IsTextColumn(const TQxAdoBrowserItem* Item) const;
+    QString LikeText(const QString& Text) const;
     QString DateTimeLiteral(const QString& Input, QString* Error) const;
 
     QString m_sourceTables;
