@@ -11,10 +11,7 @@
 #include "platform/data.h"
 #include "platform/graphics.h"
 #include "platform/widgets.h"
-#if __has_include("dbcontrols/integer_fields.h")
 #include "dbcontrols/integer_fields.h"
-#define KESH_BROWSER_INTEGER_FIELDS 1
-#endif
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -257,13 +254,8 @@ TField* NewItemField(const TQxAdoBrowserItem* Item, QObject* Owner)
     switch (Type) {
     case ftString: case ftFixedChar: case ftOraInterval: return new TStringField(Owner);
     case ftWideString: case ftFixedWideChar: return new TWideStringField(Owner);
-#ifdef KESH_BROWSER_INTEGER_FIELDS
     case ftSmallint: return Class == fcTime ? static_cast<TField*>(new TQxTimeField(Owner)) : new TSmallintField(Owner);
     case ftInteger: return Class == fcDate ? static_cast<TField*>(new TQxDateField(Owner)) : new TIntegerField(Owner);
-#else
-    case ftSmallint: return new TSmallintField(Owner);
-    case ftInteger: return new TIntegerField(Owner);
-#endif
     case ftWord: return new TWordField(Owner);
     case ftBoolean: return new TBooleanField(Owner);
     case ftFloat: return new TFloatField(Owner);
@@ -331,7 +323,9 @@ void TAdoBrowserForm::BuildColumns()
 void TAdoBrowserForm::ColorGrid()
 {
     d->Colors.clear();
-    const int Columns = d->Model.columnCount();
+    int Columns = 0;
+    for (const int C : d->ItemColumns)
+        Columns = std::max(Columns, C + 1);
     for (int c = 0; c < Columns; ++c)
         d->Colors << (c % 2 == 0 ? qMakePair(quint32(0xFFFFFF), quint32(0xC8F0FA))
                                  : qMakePair(quint32(0xF0F0F0), quint32(0xB4DCE6)));
