@@ -18,7 +18,6 @@ namespace Kesh {
 struct TQxCheckBoxPrivate
 {
     bool LanguagePending = false;
-    TBiCaption Bi;
     TFont Font;
     TxTextLook Look{TxNormal, clGray, 1};
     TxCheckBoxStyles Style = cbsStyle_1;
@@ -37,7 +36,7 @@ TQxCheckBox::TQxCheckBox(QWidget* Parent) : QAbstractButton(Parent), d(new TQxCh
     Font.SetCharset(ARABIC_CHARSET);
     Font.SetColor(clNavy);
     SetFont(Font);
-    d->Bi.FontA = d->Bi.FontE = Font;
+    InitBiFonts(Font);
     connect(this, &QAbstractButton::toggled, this, [this] { FollowChecked(); });
 }
 
@@ -49,23 +48,9 @@ void TQxCheckBox::SetCaption(const QString& Value)
     setShortcut(QKeySequence());  // the one QAbstractButton took from an "&" in the text
 }
 
-QString TQxCheckBox::GetCaption_a() const { return d->Bi.CaptionA; }
 
-void TQxCheckBox::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetCaption(Value);
-}
 
-QString TQxCheckBox::GetCaption_e() const { return d->Bi.CaptionE; }
 
-void TQxCheckBox::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetCaption(Value);
-}
 
 TFont TQxCheckBox::GetFont() const { return d->Font; }
 
@@ -76,23 +61,9 @@ void TQxCheckBox::SetFont(const TFont& Value)
     update();
 }
 
-TFont TQxCheckBox::GetFont_a() const { return d->Bi.FontA; }
 
-void TQxCheckBox::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetFont(Value);
-}
 
-TFont TQxCheckBox::GetFont_e() const { return d->Bi.FontE; }
 
-void TQxCheckBox::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetFont(Value);
-}
 
 QWidget* TQxCheckBox::GetControl() const { return d->Control; }
 
@@ -188,7 +159,7 @@ void TQxCheckBox::Loaded()
 {
     // A direction change met while loading was put off until now.
     if (std::exchange(d->LanguagePending, false))
-        ApplyLanguage();
+        ApplyBiCaption();
 }
 
 bool TQxCheckBox::event(QEvent* Event)
@@ -205,7 +176,7 @@ void TQxCheckBox::changeEvent(QEvent* Event)
         if (IsLoading())
             d->LanguagePending = true;
         else
-            ApplyLanguage();
+            ApplyBiCaption();
     }
 }
 
@@ -250,15 +221,6 @@ void TQxCheckBox::nextCheckState()
     setFocus(Qt::OtherFocusReason);
 }
 
-void TQxCheckBox::ApplyLanguage()
-{
-    QString Caption;
-    TFont Font;
-    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        SetCaption(Caption);
-        SetFont(Font);
-    }
-}
 
 void TQxCheckBox::FollowChecked()
 {
@@ -266,5 +228,9 @@ void TQxCheckBox::FollowChecked()
         d->Control->setEnabled(isChecked());
     update();
 }
+
+TBiDiMode TQxCheckBox::BiLanguage() const { return BiDiMode(); }
+void TQxCheckBox::ShowBiCaption(const QString& Caption) { SetCaption(Caption); }
+void TQxCheckBox::ShowBiFont(const TFont& Font) { SetFont(Font); }
 
 } // namespace Kesh

@@ -42,7 +42,6 @@ void DrawStyledText(QPainter* Canvas, const QRect& Rect, int Flags, const QStrin
 struct TQxCustomLabelPrivate
 {
     bool LanguagePending = false;
-    TBiCaption Bi;
     QString Caption;
     TFont Font;
     TxTextLook Look{TxNormal, clGray, 2};
@@ -67,7 +66,7 @@ struct TQxCustomLabelPrivate
 TQxCustomLabel::TQxCustomLabel(QWidget* Parent) : QWidget(Parent), d(new TQxCustomLabelPrivate)
 {
     // The caption fonts copy the font the label starts with, before its own defaults.
-    d->Bi.FontA = d->Bi.FontE = FontOf(this);
+    InitBiFonts(FontOf(this));
     resize(101, 21);
     TFont Font;
     Font.SetName(QStringLiteral("Tahoma"));
@@ -91,23 +90,9 @@ void TQxCustomLabel::SetCaption(const QString& Value)
     Changed();
 }
 
-QString TQxCustomLabel::GetCaption_a() const { return d->Bi.CaptionA; }
 
-void TQxCustomLabel::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetCaption(Value);
-}
 
-QString TQxCustomLabel::GetCaption_e() const { return d->Bi.CaptionE; }
 
-void TQxCustomLabel::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetCaption(Value);
-}
 
 TFont TQxCustomLabel::GetFont() const { return d->Font; }
 
@@ -119,23 +104,9 @@ void TQxCustomLabel::SetFont(const TFont& Value)
     Changed();
 }
 
-TFont TQxCustomLabel::GetFont_a() const { return d->Bi.FontA; }
 
-void TQxCustomLabel::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetFont(Value);
-}
 
-TFont TQxCustomLabel::GetFont_e() const { return d->Bi.FontE; }
 
-void TQxCustomLabel::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetFont(Value);
-}
 
 TxTextStyle TQxCustomLabel::GetTextStyle() const { return d->Look.Style; }
 
@@ -296,7 +267,7 @@ void TQxCustomLabel::Loaded()
 {
     // A direction change met while loading was put off until now.
     if (std::exchange(d->LanguagePending, false))
-        ApplyLanguage();
+        ApplyBiCaption();
     AdjustBounds();
 }
 
@@ -329,7 +300,7 @@ void TQxCustomLabel::changeEvent(QEvent* Event)
         if (IsLoading())
             d->LanguagePending = true;
         else
-            ApplyLanguage();
+            ApplyBiCaption();
         Changed();
         break;
     case QEvent::EnabledChange:
@@ -411,15 +382,6 @@ void TQxCustomLabel::leaveEvent(QEvent* Event)
         OnMouseLeave(this);
 }
 
-void TQxCustomLabel::ApplyLanguage()
-{
-    QString Caption;
-    TFont Font;
-    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        SetCaption(Caption);
-        SetFont(Font);
-    }
-}
 
 // Whatever changes the text's extent repaints and, with AutoSize, resizes.
 void TQxCustomLabel::Changed()
@@ -477,5 +439,9 @@ QSize TQxCustomLabel::TextExtent(int Width) const
     const int Flags = Qt::AlignLeft | Qt::AlignTop | (TextFlags() & (Qt::TextWordWrap | Qt::TextShowMnemonic));
     return Metrics.boundingRect(Bounds, Flags, Text).size();
 }
+
+TBiDiMode TQxCustomLabel::BiLanguage() const { return BiDiMode(); }
+void TQxCustomLabel::ShowBiCaption(const QString& Caption) { SetCaption(Caption); }
+void TQxCustomLabel::ShowBiFont(const TFont& Font) { SetFont(Font); }
 
 } // namespace Kesh
