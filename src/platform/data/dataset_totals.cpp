@@ -54,11 +54,15 @@ public:
             AddDouble(V.toDouble(), Negate);
             return;
         case QMetaType::QString: {
-            const QString S = V.toString().trimmed();
-            if (AddDecimal(S, Negate))
+            const QString& Text = *static_cast<const QString*>(V.constData());
+            const QString S = Text.trimmed();
+            if (AddDecimal(S, Negate))  // plain decimals, which a field reads the same
                 return;
-            double D;  // text in the user's format (separators), as a field reads it
-            if (TryStrToFloat(S, D))
+            double D;  // text in the user's format, then a server's, as a field reads it
+            bool Ok = TryStrToFloat(Text, D);
+            if (!Ok)
+                D = S.toDouble(&Ok);
+            if (Ok)
                 AddDouble(D, Negate);
             return;
         }
@@ -177,6 +181,8 @@ private:
         }
         if (i != N)
             return false;
+        if (Mantissa == 0)
+            return true;
         int Frac = Fraction - Exponent;
         if (Frac < 0) {
             if (!Scale(Mantissa, -Frac, Mantissa))
