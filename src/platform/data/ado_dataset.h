@@ -106,6 +106,7 @@ protected:
 
 private:
     friend class TADOConnection;
+    friend class TDataSetTotalsPrivate;  // sums the rows of SelectText on the server
     void ConnectionClosing();
     bool HasPendingFetch() const;
     bool CursorInApplicationTransaction() const;
