@@ -229,11 +229,23 @@ void TQxdbRadioGroup::Chosen(int Index)
         d->Link.Modified();
 }
 
+// The next control of the form after the group's own buttons.
+void TQxdbRadioGroup::FocusNextControl()
+{
+    QWidget* Next = this;
+    for (int I = 0; Button(I); ++I)
+        Next = Button(I);
+    for (int Steps = 0; Next && (Next == this || isAncestorOf(Next)) && Steps <= GetItems().size(); ++Steps)
+        Next = NextControlIn(window(), Next, true);
+    if (Next && Next != this && !isAncestorOf(Next))
+        Next->setFocus(Qt::TabFocusReason);
+}
+
 bool TQxdbRadioGroup::HandleKey(QKeyEvent* Event)
 {
     switch (Event->key()) {
     case Qt::Key_Return: case Qt::Key_Enter:
-        SelectNextControl(this, true);
+        FocusNextControl();
         return true;
     case Qt::Key_Backspace: case Qt::Key_Space:
         if (Field() && d->Link.CanModify())

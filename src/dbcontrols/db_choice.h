@@ -101,6 +101,7 @@ protected:
 private:
     void Chosen(int Index);
     void Select(const QString& Value);
+    void FocusNextControl();
     bool HandleKey(QKeyEvent* Event);
     std::unique_ptr<struct TQxdbRadioGroupPrivate> const d;
 };
