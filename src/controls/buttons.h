@@ -88,10 +88,7 @@ class KESH_EXPORT TQxSpeedButton : public TxBiButton<QToolButton>
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
     Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
     Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
@@ -110,10 +107,7 @@ class KESH_EXPORT TQxBitBtn : public TxBiButton<QPushButton>
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
     Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
     Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
@@ -130,10 +124,7 @@ class KESH_EXPORT TQxIconButton : public TxBiButton<QPushButton>
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
     Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
     Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)

@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual check box.
 #include "check_box.h"
+#include "accessibility_p.h"
 #include "resources.h"
 
 #include <QDirIterator>
@@ -46,11 +47,8 @@ void TQxCheckBox::SetCaption(const QString& Value)
 {
     setText(Value);
     setShortcut(QKeySequence());  // the one QAbstractButton took from an "&" in the text
+    NotifyAccessible(this, QAccessible::NameChanged);
 }
-
-
-
-
 
 TFont TQxCheckBox::GetFont() const { return d->Font; }
 
@@ -60,10 +58,6 @@ void TQxCheckBox::SetFont(const TFont& Value)
     ApplyFont(this, Value);
     update();
 }
-
-
-
-
 
 QWidget* TQxCheckBox::GetControl() const { return d->Control; }
 
@@ -221,12 +215,17 @@ void TQxCheckBox::nextCheckState()
     setFocus(Qt::OtherFocusReason);
 }
 
-
 void TQxCheckBox::FollowChecked()
 {
     if (d->Control)
         d->Control->setEnabled(isChecked());
     update();
+    if (QAccessible::isActive()) {
+        QAccessible::State changed;
+        changed.checked = true;
+        QAccessibleStateChangeEvent event(this, changed);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 TBiDiMode TQxCheckBox::BiLanguage() const { return BiDiMode(); }

@@ -24,11 +24,8 @@ class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable, public
     Q_OBJECT
     Q_PROPERTY(bool Checked READ GetChecked WRITE SetChecked USER true)
     Q_PROPERTY(QString Caption READ text WRITE SetCaption)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QWidget* _Control READ GetControl WRITE SetControl)
     Q_PROPERTY(Kesh::CheckBoxStyles::TxCheckBoxStyles _Style READ GetStyle WRITE SetStyle)
     Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)

@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual label and the styled caption drawing.
 #include "label.h"
+#include "accessibility_p.h"
 
 #include <QEnterEvent>
 #include <QFontMetrics>
@@ -88,11 +89,8 @@ void TQxCustomLabel::SetCaption(const QString& Value)
     d->Caption = Value;
     UpdateShortcut();
     Changed();
+    NotifyAccessible(this, QAccessible::NameChanged);
 }
-
-
-
-
 
 TFont TQxCustomLabel::GetFont() const { return d->Font; }
 
@@ -103,10 +101,6 @@ void TQxCustomLabel::SetFont(const TFont& Value)
     ApplyFont(this, Value);
     Changed();
 }
-
-
-
-
 
 TxTextStyle TQxCustomLabel::GetTextStyle() const { return d->Look.Style; }
 
@@ -381,7 +375,6 @@ void TQxCustomLabel::leaveEvent(QEvent* Event)
     if (OnMouseLeave)
         OnMouseLeave(this);
 }
-
 
 // Whatever changes the text's extent repaints and, with AutoSize, resizes.
 void TQxCustomLabel::Changed()

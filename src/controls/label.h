@@ -51,11 +51,8 @@ class KESH_EXPORT TQxCustomLabel : public QWidget, public TLoadable, public TxBi
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)
     Q_PROPERTY(quint32 _TextShade READ GetTextShade WRITE SetTextShade)
     Q_PROPERTY(int _TextShadowPos READ GetTextShadowPos WRITE SetTextShadowPos)

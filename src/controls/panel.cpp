@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual panel.
 #include "panel.h"
+#include "accessibility_p.h"
 
 #include <QPainter>
 #include <utility>
@@ -38,12 +39,9 @@ void TQxCustomPanel::SetCaption(const QString& Value)
     if (d->Caption != Value) {
         d->Caption = Value;
         update();
+        NotifyAccessible(this, QAccessible::NameChanged);
     }
 }
-
-
-
-
 
 TFont TQxCustomPanel::GetFont() const { return d->Font; }
 
@@ -54,10 +52,6 @@ void TQxCustomPanel::SetFont(const TFont& Value)
     ApplyFont(this, Value);
     update();
 }
-
-
-
-
 
 bool TQxCustomPanel::GetGradFill() const { return d->GradFill; }
 
@@ -194,7 +188,6 @@ void TQxCustomPanel::paintEvent(QPaintEvent*)
     const int Flags = int(d->Alignment) | Qt::AlignVCenter | Qt::TextShowMnemonic;
     DrawStyledText(&Painter, Face, Flags, d->Caption, d->Font, d->Look, isEnabled());
 }
-
 
 TBiDiMode TQxCustomPanel::BiLanguage() const { return BiDiMode(); }
 void TQxCustomPanel::ShowBiCaption(const QString& Caption) { SetCaption(Caption); }

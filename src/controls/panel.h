@@ -14,11 +14,8 @@ class KESH_EXPORT TQxCustomPanel : public QFrame, public TLoadable, public TxBil
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(bool _GradFill READ GetGradFill WRITE SetGradFill)
     Q_PROPERTY(quint32 _ColorFrom READ GetColorFrom WRITE SetColorFrom)
     Q_PROPERTY(quint32 _ColorTo READ GetColorTo WRITE SetColorTo)

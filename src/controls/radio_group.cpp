@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual radio group.
 #include "radio_group.h"
+#include "accessibility_p.h"
 
 #include <QButtonGroup>
 #include <QGridLayout>
@@ -36,13 +37,10 @@ TQxRadioGroup::TQxRadioGroup(QWidget* Parent) : QGroupBox(Parent), d(new TQxRadi
         d->ItemIndex = Id;
         emit ItemIndexChanged(Id);
     });
+    connect(this, &TQxRadioGroup::ItemIndexChanged, this, [this] { NotifyAccessible(this, QAccessible::ValueChanged); });
 }
 
 TQxRadioGroup::~TQxRadioGroup() = default;
-
-
-
-
 
 QStringList TQxRadioGroup::GetItems() const { return d->Items; }
 
@@ -56,6 +54,7 @@ void TQxRadioGroup::SetItems(const QStringList& Value)
         // Only the texts change (a language switch): keep the buttons and the focus.
         for (int i = 0; i < d->Buttons.size(); ++i)
             d->Buttons[i]->setText(Value[i]);
+        NotifyAccessible(this, QAccessible::ValueChanged);
         return;
     }
     BuildButtons();
@@ -90,10 +89,6 @@ void TQxRadioGroup::SetFont(const TFont& Value)
     // The buttons follow their parent's font and palette.
     ApplyFont(this, Value);
 }
-
-
-
-
 
 int TQxRadioGroup::GetItemIndex() const { return d->ItemIndex; }
 

@@ -19,14 +19,11 @@ class KESH_EXPORT TQxRadioGroup : public QGroupBox, public TLoadable, public TxB
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ title WRITE setTitle)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(QStringList Items READ GetItems WRITE SetItems)
     Q_PROPERTY(QStringList _Items_a READ GetItems_a WRITE SetItems_a)
     Q_PROPERTY(QStringList _Items_e READ GetItems_e WRITE SetItems_e)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(int ItemIndex READ GetItemIndex WRITE SetItemIndex NOTIFY ItemIndexChanged USER true)
     Q_PROPERTY(int Columns READ GetColumns WRITE SetColumns)
     Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ BiDiMode WRITE SetBiDiMode)

@@ -2,3 +2,6 @@
 // data-aware edits, labels, choice controls, image and panel.
 #pragma once
 #include "integer_fields.h"
+#include "db_buttons.h"
+#include "db_edits.h"
+#include "db_choice.h"

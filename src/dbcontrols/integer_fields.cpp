@@ -110,14 +110,14 @@ bool TQxDateField::IsValidChar(QChar Ch) const
     return Ch.isDigit() || QStringLiteral("-./:\\").contains(Ch);
 }
 
-QString TQxDateField::GetAsString() const
+QString TQxDateField::DateText(int Date)
 {
-    if (IsNull())
-        return QString();
     int Y = 0, M = 0, D = 0;
-    DateDecode(GetAsInteger(), Y, M, D);
+    DateDecode(Date, Y, M, D);
     return QStringLiteral("%1-%2-%3").arg(D).arg(M).arg(Y, 4, 10, QLatin1Char('0'));
 }
+
+QString TQxDateField::GetAsString() const { return IsNull() ? QString() : DateText(GetAsInteger()); }
 
 int TQxDateField::GetAsInteger() const { return IsNull() ? 0 : TIntegerField::GetAsInteger(); }
 

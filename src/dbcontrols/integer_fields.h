@@ -24,6 +24,9 @@ public:
     /// 1900..2100 or a Hijri date of years 1300..1500 (days 1..30).
     int StringToDate(const QString& Text) const;
 
+    /// The text of an integer date: "d-m-yyyy".
+    static QString DateText(int Date);
+
     /// Empty text: "Incorrect number." is shown and the field becomes null; otherwise as
     /// SetAsString.
     void SetText(const QString& Value) override;
