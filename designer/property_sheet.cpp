@@ -99,7 +99,10 @@ QVariant TPropertySheet::property(int Index) const
 void TPropertySheet::setProperty(int Index, const QVariant& Value)
 {
     const TShownAs Kind = KindOf(Index);
-    m_base->setProperty(Index, Kind == TShownAs::Itself ? Value : FromShown(Kind, Value, m_base->property(Index)));
+    // Designer hands a value read from a .ui file in wrappers of its own (a string with its
+    // translation data): its sheet unwraps them and the library's conversions do the rest.
+    const bool Plain = Value.metaType() == ToShown(Kind, m_base->property(Index)).metaType();
+    m_base->setProperty(Index, Kind == TShownAs::Itself || !Plain ? Value : FromShown(Kind, Value, m_base->property(Index)));
 }
 
 namespace {
