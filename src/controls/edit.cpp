@@ -4,6 +4,7 @@
 #include "core/conversions.h"
 #include "core/messages.h"
 #include "platform/exceptions.h"
+#include "platform/keyboard.h"
 #include "platform/rtl/datetime.h"
 #include "platform/rtl/numbers.h"
 #include "platform/widgets.h"
@@ -144,6 +145,14 @@ void TQxCustomEdit::keyPressEvent(QKeyEvent* Event)
         Beep(ErrorBeep);
     }
     Event->accept();
+}
+
+void TQxCustomEdit::focusInEvent(QFocusEvent* Event)
+{
+    QLineEdit::focusInEvent(Event);
+    // The layout of the control's language is ready before the first key is typed.
+    if (Event->reason() != Qt::PopupFocusReason)
+        ActivateDirectionKeyboard(layoutDirection());
 }
 
 void TQxCustomEdit::focusOutEvent(QFocusEvent* Event)

@@ -85,6 +85,8 @@ protected:
     virtual void FixedSizeChanged() {}
 
     void keyPressEvent(QKeyEvent* Event) override;
+    /// Activates the keyboard layout of the control's direction.
+    void focusInEvent(QFocusEvent* Event) override;
     void focusOutEvent(QFocusEvent* Event) override;
     void resizeEvent(QResizeEvent* Event) override;
     void changeEvent(QEvent* Event) override;

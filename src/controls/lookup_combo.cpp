@@ -3,6 +3,7 @@
 #include "core/conversions.h"
 #include "edit.h"
 #include "platform/graphics.h"
+#include "platform/keyboard.h"
 #include "platform/widgets.h"
 
 #include <QAbstractItemView>
@@ -266,6 +267,8 @@ void TQxCustomLookupCombo::SetFixedSize(int Value)
 void TQxCustomLookupCombo::focusInEvent(QFocusEvent* Event)
 {
     QComboBox::focusInEvent(Event);
+    if (Event->reason() != Qt::PopupFocusReason)
+        ActivateDirectionKeyboard(layoutDirection());
     if (IsRealMove(Event))
         d->OldText = currentText();
 }

@@ -8,6 +8,7 @@
 #include "data/data_source.h"
 #include "data/client_dataset.h"
 #include "data/dataset_model.h"
+#include "data/dataset_totals.h"
 #include "data/ado_connection.h"
 #include "data/ado_parameters.h"
 #include "data/ado_dataset.h"

@@ -52,6 +52,7 @@ void TClientDataSet::EmptyDataSet()
     CheckBrowseMode();
     DisableControls();
     ResetRows();
+    emit RowsReset();
     EnableControls();
     m_log.clear();
     First();

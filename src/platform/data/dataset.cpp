@@ -308,6 +308,7 @@ void TDataSet::SetActive(bool Value)
     d->bof = true;
     d->eof = d->ViewCount() == 0;
     SetState(dsBrowse);
+    emit RowsReset();
     DoAfterOpen();
 }
 
@@ -331,6 +332,7 @@ void TDataSet::CloseSilently()
     d->cursor = d->active = -1;
     d->bof = d->eof = true;
     ++d->structureVersion;
+    emit RowsReset();
 }
 
 void TDataSet::SetState(TDataSetState Value)
@@ -572,13 +574,14 @@ void TDataSet::Post()
             if (!(d->state == dsInsert && F->DataType() == ftAutoInc))
                 DatabaseError(SFieldRequired(F->DisplayName()));
         }
+    TRecordValues Old;
+    TRecordValues Values = d->editBuffer;
     if (d->state == dsEdit) {
-        TRecordValues Values = d->editBuffer;
+        Old = d->oldValues;
         if (d->changed.count(true) > 0)
             ApplyUpdate(d->oldValues, Values, d->changed);
         d->store->PutAll(d->store->IdAt(d->StoreIndex(d->cursor)), Values);
     } else {
-        TRecordValues Values = d->editBuffer;
         ApplyInsert(Values);
         const int Pos = d->insertPos;
         d->insertPos = -1;
@@ -588,6 +591,7 @@ void TDataSet::Post()
     }
     d->ClearEdit();
     d->SetBofEofAfterResync();
+    emit RowWritten(Old, Values);
     SetState(dsBrowse);
     DataEvent(deDataSetChange, 0);
     DoAfterPost();
@@ -629,10 +633,12 @@ void TDataSet::Delete()
     DoBeforeDelete();
     DoBeforeScroll();
     const int Pos = d->cursor;
-    ApplyDelete(d->StoredRow(Pos));
+    const TRecordValues Old = d->StoredRow(Pos);
+    ApplyDelete(Old);
     d->ClearEdit();
     d->store->RemoveAt(Pos);
     d->MarkOwnChange();
+    emit RowWritten(Old, TRecordValues());
     d->EnsureRows(Pos + 1);
     d->SetCursor(std::min(Pos, d->ViewCount() - 1));
     d->SetBofEofAfterResync();
@@ -697,6 +703,7 @@ void TDataSet::Refresh()
     d->SetCursor(Pos);
     d->SetBofEofAfterResync();
     ++d->structureVersion;
+    emit RowsReset();
     DataEvent(deDataSetChange, 0);
     DoAfterRefresh();
 }
@@ -1049,6 +1056,15 @@ void TDataSet::SetActiveRow(int Row)
 }
 
 bool TDataSet::EnsureRows(int Count) const { return d->EnsureRows(Count); }
+int TDataSet::StoredRowCount() const { return d->StoredCount(); }
+const void* TDataSet::RowsIdentity() const { return d->store.get(); }
+
+QVariant TDataSet::StoredValue(int Row, int Column) const
+{
+    if (Row < 0 || Row >= d->StoredCount() || Column < 0 || Column >= d->store->Columns())
+        return QVariant();
+    return d->store->Get(d->store->IdAt(Row), Column);
+}
 quint64 TDataSet::StructureVersion() const { return d->structureVersion; }
 
 // ---- the descendant's side

@@ -155,6 +155,13 @@ public:
     TDataSetNotifyEvent BeforeDelete, AfterDelete, BeforeScroll, AfterScroll;
     TDataSetNotifyEvent BeforeRefresh, AfterRefresh, OnNewRecord;
 
+Q_SIGNALS:
+    /// A row was written (a Post or Delete that succeeded), before the data links hear of
+    /// it: OldValues is empty for a new row, NewValues for a deleted one.
+    void RowWritten(const Kesh::TRecordValues& OldValues, const Kesh::TRecordValues& NewValues);
+    /// The rows were replaced as a whole: opened, closed, re-read or emptied.
+    void RowsReset();
+
 protected:
     // ---- what a descendant supplies
     /// Opens the row source and fills FieldDefsRef() (or calls ShareRowsWith).
@@ -225,6 +232,12 @@ private:
     friend class TDataLink;
     friend class TDataSetModel;
     friend class TDataSetPrivate;
+    friend class TDataSetTotalsPrivate;
+    /// The posted rows read so far and their stored values (no edit buffer, no unposted row).
+    int StoredRowCount() const;
+    QVariant StoredValue(int Row, int Column) const;
+    /// Changes only when the rows are replaced as a whole (open, refresh, empty).
+    const void* RowsIdentity() const;
     void BeginInsert(bool AtEnd);
     QVariant ColumnValue(int Column) const;
     QVariant OldColumnValue(int Column) const;
