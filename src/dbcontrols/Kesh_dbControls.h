@@ -4,3 +4,4 @@
 #include "integer_fields.h"
 #include "db_buttons.h"
 #include "db_edits.h"
+#include "db_choice.h"
