@@ -345,9 +345,17 @@ void TAdoBrowserForm::OpenData()
 {
     if (!m_browser)
         return;
-    db->Close();
-    db->SetSQL({m_browser->BuildQueryText(SortIndex, F1->text(), CustomFilter, RightToLeft())});
-    db->Open();
+    // One refresh of the grid for the whole re-query, not one for the close and one for the open.
+    db->DisableControls();
+    try {
+        db->Close();
+        db->SetSQL({m_browser->BuildQueryText(SortIndex, F1->text(), CustomFilter, RightToLeft())});
+        db->Open();
+    } catch (...) {
+        db->EnableControls();
+        throw;
+    }
+    db->EnableControls();
     // Hidden columns stay in the rows: their values are still returned.
     const TQxAdoBrowserCollection* Items = m_browser->BrowserItems();
     for (int i = 0; i < d->ItemColumns.size(); ++i)
