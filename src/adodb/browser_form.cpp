@@ -132,9 +132,10 @@ TAdoBrowserForm::TAdoBrowserForm(QWidget* AOwner, TQxAdoBrowser* Browser)
     lblSearch->SetCaptionE(QStringLiteral("Quick search"));
     lblSearch->SetTransparent(true);
     lblSearch->SetAlignment(Qt::AlignLeading | Qt::AlignVCenter);
-    lblSearch->setFixedWidth(90);
+    lblSearch->setFixedWidth(lblSearch->fontMetrics().horizontalAdvance(QStringLiteral("Quick search")) + 12);
     F1 = new TQxEdit(TopPanel);
     F1->setObjectName(QStringLiteral("F1"));
+    F1->SetFixedSize(0);
     lblSearch->SetFocusControl(F1);
     auto* Top = new QHBoxLayout(TopPanel);
     Top->setContentsMargins(6, 6, 6, 4);
