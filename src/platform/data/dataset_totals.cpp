@@ -33,9 +33,18 @@ public:
     {
         if (!V.isValid() || V.isNull())
             return;
+        const void* P = V.constData();  // the common types read in place: sums run over millions
         switch (V.metaType().id()) {
-        case QMetaType::Int: case QMetaType::LongLong: case QMetaType::Short: case QMetaType::SChar:
-        case QMetaType::Char: case QMetaType::Long:
+        case QMetaType::Int:
+            AddInteger(*static_cast<const int*>(P), Negate);
+            return;
+        case QMetaType::LongLong:
+            AddInteger(*static_cast<const qlonglong*>(P), Negate);
+            return;
+        case QMetaType::Double:
+            AddDouble(*static_cast<const double*>(P), Negate);
+            return;
+        case QMetaType::Short: case QMetaType::SChar: case QMetaType::Char: case QMetaType::Long:
             AddInteger(V.toLongLong(), Negate);
             return;
         case QMetaType::UInt: case QMetaType::UShort: case QMetaType::UChar: case QMetaType::ULong:
@@ -50,7 +59,7 @@ public:
         case QMetaType::Bool:
             AddInteger(V.toBool() ? 1 : 0, Negate);
             return;
-        case QMetaType::Double: case QMetaType::Float:
+        case QMetaType::Float:
             AddDouble(V.toDouble(), Negate);
             return;
         case QMetaType::QString: {
@@ -109,31 +118,65 @@ private:
     }
     static bool Scale(TWide V, int By, TWide& R)
     {
+        static constexpr qint64 Powers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
         R = V;
-        for (int i = 0; i < By; ++i)
-            if (!Mul(R, 10, R))
+        if (By == 0 || V == 0)
+            return true;
+        for (; By > 0; By -= 9)
+            if (!Mul(R, TWide(Powers[std::min(By, 9)]), R))
                 return false;
         return true;
     }
 
+    // Adds Mantissa / 10^Frac (Frac in 0..MaxScale) exactly; false (nothing added) on overflow.
+    bool AddScaled(TWide Mantissa, int Frac, bool Negate)
+    {
+        TWide Units = m_units;
+        int UnitsScale = m_scale;
+        if (Frac > UnitsScale) {
+            if (!Scale(Units, Frac - UnitsScale, Units))
+                return false;
+            UnitsScale = Frac;
+        } else if (!Scale(Mantissa, UnitsScale - Frac, Mantissa)) {
+            return false;
+        }
+        if (Negate && !Mul(Mantissa, -1, Mantissa))
+            return false;
+        if (!Plus(Units, Mantissa, Units))
+            return false;
+        m_units = Units;
+        m_scale = UnitsScale;
+        return true;
+    }
     void AddInteger(qint64 V, bool Negate)
     {
-        TWide Scaled;
-        if (Scale(TWide(V), m_scale, Scaled) && Accumulate(Negate ? -Scaled : Scaled))
-            return;
-        AddRest(static_cast<long double>(V), Negate);
+        if (!AddScaled(TWide(V), 0, Negate))
+            AddRest(static_cast<long double>(V), Negate);
     }
+    // A double is taken as its shortest decimal text. Most have few decimals (amounts,
+    // quantities): those are found with a few multiplications, the rest through to_chars.
     void AddDouble(double V, bool Negate)
     {
         if (!std::isfinite(V))
             return AddRest(V, Negate);
+        static constexpr double Powers[] = {1, 10, 100, 1000, 10000, 100000, 1000000};
+        for (int k = 0; k < 7; ++k) {
+            const double Scaled = V * Powers[k];
+            if (std::fabs(Scaled) >= 9007199254740992.0)  // 2^53: no longer exact
+                break;
+            const double Whole = std::nearbyint(Scaled);
+            if (Whole / Powers[k] == V) {  // Whole / 10^k reads back as V: its shortest text
+                if (AddScaled(TWide(qint64(Whole)), k, Negate))
+                    return;
+                break;
+            }
+        }
         char Text[64];
-        const auto R = std::to_chars(Text, Text + sizeof Text, V);  // the shortest exact text
+        const auto R = std::to_chars(Text, Text + sizeof Text, V);
         if (R.ec != std::errc() || !AddDecimal(QLatin1String(Text, int(R.ptr - Text)), Negate))
             AddRest(V, Negate);
     }
     void AddRest(long double V, bool Negate) { m_rest += Negate ? -V : V; }
-    bool Accumulate(TWide V) { return Plus(m_units, V, m_units); }
 
     // [sign] digits [. digits] [e [sign] digits]; false (nothing added) for anything else or
     // for a value too long to keep exactly.
@@ -193,22 +236,7 @@ private:
             Mantissa /= 10;
             --Frac;
         }
-        if (Frac > MaxScale)
-            return false;
-        TWide Units = m_units;
-        int UnitsScale = m_scale;
-        if (Frac > UnitsScale) {
-            if (!Scale(Units, Frac - UnitsScale, Units))
-                return false;
-            UnitsScale = Frac;
-        } else if (!Scale(Mantissa, UnitsScale - Frac, Mantissa)) {
-            return false;
-        }
-        if (!Plus(Units, (Minus != Negate) ? -Mantissa : Mantissa, Units))
-            return false;
-        m_units = Units;
-        m_scale = UnitsScale;
-        return true;
+        return Frac <= MaxScale && AddScaled(Mantissa, Frac, Minus != Negate);
     }
 
     TWide m_units = 0;
