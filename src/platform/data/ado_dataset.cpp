@@ -413,16 +413,21 @@ QStringList TADODataSet::RefreshKeyFields() const
 
 // ---- writing
 
+QString TADODataSet::BaseTableName() const
+{
+    if (!d->uniqueTable.isEmpty())
+        return d->uniqueTable;
+    return d->commandType == cmdTable || d->commandType == cmdTableDirect ? d->commandText.trimmed()
+                                                                          : SingleTableOf(d->commandText);
+}
+
 void TADODataSet::EnsureWriteMeta()
 {
     if (d->meta)
         return;
     if (!d->connection || !d->connection->Connected())
         DatabaseError(QStringLiteral("Cannot perform this operation on a closed connection"));
-    QString Table = d->uniqueTable;
-    if (Table.isEmpty())
-        Table = d->commandType == cmdTable || d->commandType == cmdTableDirect ? d->commandText.trimmed()
-                                                                               : SingleTableOf(d->commandText);
+    QString Table = BaseTableName();
     if (Table.isEmpty())
         DatabaseError(SInsufficientBaseTable());
     QSqlDriver* Driver = d->Db().driver();

@@ -82,6 +82,9 @@ public:
     /// The table Post and Delete write to; empty: found from the command.
     QString UniqueTable() const;
     void SetUniqueTable(const QString& Value);
+    /// The table Post and Delete write to: UniqueTable, the table of cmdTable, else the
+    /// single table in the FROM of the command text; empty when there is none.
+    QString BaseTableName() const;
 
     /// Opens this dataset as a second cursor on Source's rows (read to the end first):
     /// moving one does not move the other; posted changes are seen by both.
