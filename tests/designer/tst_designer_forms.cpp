@@ -3,7 +3,7 @@
 // objects it names (data sources created in code, controls of the form).
 #include "Kesh.h"
 #include "Kesh_Controls.h"
-#include "bound_edit.h"
+#include "Kesh_dbControls.h"
 #include "db_test_helper.h"
 #include "dialog_helper.h"
 #include "platform/data/ado_dataset.h"
@@ -191,7 +191,8 @@ private Q_SLOTS:
         QVERIFY(!Card.Ui.edtAge->isEnabled()); // the check box rules it from the binding on
         QTest::keyClick(Card.Ui.chkActive, Qt::Key_Space);
         QVERIFY(Card.Ui.edtAge->isEnabled());
-        QCOMPARE(Card.Ui.xName->DataSource(), Card.Source);
+        QCOMPARE(Card.Ui.xName->GetDataSource(), Card.Source);
+        QCOMPARE(Card.Ui.dbbPost->GetDataSource(), Card.Source);
     }
 
     void dataBinding_data() { KeshTest::AddDriverRows(); }
@@ -211,6 +212,13 @@ private Q_SLOTS:
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("Pen"));
         Set->Next();
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("قلم"));
+        // Typed into the bound edit and saved by the bound button: no code per control.
+        QVERIFY(Card.Ui.dbbPost->isEnabled() == false); // saving waits for an edit
+        Card.Ui.xName->SetData(QStringLiteral("حبر"));
+        QVERIFY(Card.Ui.dbbPost->isEnabled());
+        Card.Ui.dbbPost->Click();
+        QCOMPARE(Set->State(), dsBrowse);
+        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Name FROM %1 WHERE Id = 2").arg(Table)).toString(), QStringLiteral("حبر"));
     }
 
     void badNamesRefused_data()

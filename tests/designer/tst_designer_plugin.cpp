@@ -3,6 +3,7 @@
 // library's value types; and what uic makes of the published names.
 #include "Kesh.h"
 #include "Kesh_Controls.h"
+#include "Kesh_dbControls.h"
 #include "property_sheet.h"
 
 #include <QBuffer>
@@ -225,6 +226,16 @@ private Q_SLOTS:
         QTest::newRow("check box") << "Kesh::TQxCheckBox" << C << QSize(100, 16) << false;
         QTest::newRow("panel") << "Kesh::TQxPanel" << C << QSize(185, 41) << true;
         QTest::newRow("radio group") << "Kesh::TQxRadioGroup" << C << QSize(185, 105) << false;
+        const QString D = QStringLiteral("Kesh_dbControls");
+        QTest::newRow("db edit") << "Kesh::TQxdbEdit" << D << QSize(101, 21) << false;
+        QTest::newRow("db edit button") << "Kesh::TQxdbEditButton" << D << QSize(101, 21) << false;
+        QTest::newRow("db text") << "Kesh::TQxdbText" << D << QSize(101, 21) << false;
+        QTest::newRow("db fixed drop list") << "Kesh::TQxdbFixedDropList" << D << QSize(101, 21) << false;
+        QTest::newRow("db check box") << "Kesh::TQxdbCheckBox" << D << QSize(100, 16) << false;
+        QTest::newRow("db radio group") << "Kesh::TQxdbRadioGroup" << D << QSize(185, 105) << false;
+        QTest::newRow("db speed button") << "Kesh::TQxdbSpeedButton" << D << QSize(23, 22) << false;
+        QTest::newRow("db bit button") << "Kesh::TQxdbBitBtn" << D << QSize(75, 25) << false;
+        QTest::newRow("db icon button") << "Kesh::TQxdbIconButton" << D << QSize(75, 25) << false;
     }
     void components()
     {
@@ -274,7 +285,7 @@ private Q_SLOTS:
         QStringList Names;
         for (QDesignerCustomWidgetInterface* W : m_widgets)
             Names << W->name();
-        QCOMPARE(Names.size(), 11);
+        QCOMPARE(Names.size(), 20);
         QCOMPARE(QSet<QString>(Names.begin(), Names.end()).size(), Names.size());
     }
 
@@ -449,8 +460,9 @@ private Q_SLOTS:
             const QString Name = Match.captured(2);
             if (Name == QLatin1String("Property") || Name == QLatin1String("ObjectName"))
                 continue;
-            QWidget* W = Form.findChild<QWidget*>(Match.captured(1));
-            QVERIFY(W);
+            QWidget* W = Form.findChild<QWidget*>(Match.captured(1), Qt::FindDirectChildrenOnly);
+            if (!W)
+                continue; // an inner part (the edit button's button), renamed by uic
             const QByteArray Property = Name.left(1).toLower().toLatin1() + Name.mid(1).toLatin1();
             const int P = W->metaObject()->indexOfProperty(Property);
             QVERIFY2(P >= 0 && W->metaObject()->property(P).hasStdCppSet(), qPrintable(Match.captured()));
