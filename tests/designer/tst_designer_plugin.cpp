@@ -394,6 +394,37 @@ private Q_SLOTS:
         QCOMPARE(Label->GetFont_e(), Before);
     }
 
+    void nameFollowsField_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("property");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QStringList>("taken");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("blanks removed") << "Kesh::TQxdbEdit" << "DataField" << "Customer Name" << QStringList{} << "xCustomerName";
+        QTest::newRow("name taken") << "Kesh::TQxdbCheckBox" << "DataField" << "Active" << QStringList{"xActive"} << "xxActive";
+        QTest::newRow("both taken") << "Kesh::TQxdbRadioGroup" << "DataField" << "Kind" << QStringList{"xKind", "xxKind"} << "QxdbRadioGroup";
+        QTest::newRow("blank field") << "Kesh::TQxdbText" << "DataField" << "  " << QStringList{} << "QxdbText";
+        QTest::newRow("drop list") << "Kesh::TQxdbFixedDropList" << "_DataField" << "City Code" << QStringList{} << "xCityCode";
+    }
+    void nameFollowsField()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, property);
+        QFETCH(QString, field);
+        QFETCH(QStringList, taken);
+        QFETCH(QString, expected);
+        QWidget Form;
+        for (const QString& Other : taken)
+            (new QWidget(&Form))->setObjectName(Other);
+        QWidget* W = Widget(name)->createWidget(&Form);
+        W->setObjectName(name.mid(7));
+        auto* Sheet = qt_extension<QDesignerPropertySheetExtension*>(m_core->extensionManager(), W);
+        Sheet->setProperty(Sheet->indexOf(property), field);
+        QCOMPARE(W->property(property.toLatin1().constData()).toString(), field);
+        QCOMPARE(W->objectName(), expected);
+    }
+
     void itemLines_data()
     {
         QTest::addColumn<QStringList>("lines");
