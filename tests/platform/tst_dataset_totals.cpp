@@ -190,6 +190,8 @@ private Q_SLOTS:
         CHECK_TOTAL(Totals, Model);
         Q.Close();
         QCOMPARE(double(Totals.Value(0)), 0.0);
+        Q.Open();
+        CHECK_TOTAL(Totals, Model);
     }
 
     // A post the server refuses, and a dataset left in edit or insert, change nothing.
