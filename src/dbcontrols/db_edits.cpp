@@ -9,10 +9,7 @@
 #include <QKeySequence>
 #include <algorithm>
 
-#if __has_include("Kesh_Form_Calendar.h")
 #include "Kesh_Form_Calendar.h"
-#define KESH_HAS_CALENDAR 1
-#endif
 
 namespace Kesh {
 
@@ -257,11 +254,10 @@ void TQxdbEditButton::ButtonClicked()
 
 void TQxdbEditButton::PickDate()
 {
-#ifdef KESH_HAS_CALENDAR
+    // The picker opens in the calendar of the field's date (Gregorian when empty).
     int Date = Field()->AsInteger();
     if (SelectDate(Date, IsHijri(Date)))
         SetData(TQxDateField::DateText(Date));
-#endif
 }
 
 // ---- TQxdbText
