@@ -4,6 +4,7 @@
 #include "Kesh.h"
 #include "Kesh_Controls.h"
 #include "Kesh_dbControls.h"
+#include "Kesh_AdoDB.h"
 #include "property_sheet.h"
 
 #include <QBuffer>
@@ -236,6 +237,9 @@ private Q_SLOTS:
         QTest::newRow("db speed button") << "Kesh::TQxdbSpeedButton" << D << QSize(23, 22) << false;
         QTest::newRow("db bit button") << "Kesh::TQxdbBitBtn" << D << QSize(75, 25) << false;
         QTest::newRow("db icon button") << "Kesh::TQxdbIconButton" << D << QSize(75, 25) << false;
+        const QString A = QStringLiteral("Kesh_AdoDB");
+        QTest::newRow("table drop list") << "Kesh::TQxAdoDropList" << A << QSize(101, 21) << false;
+        QTest::newRow("lookup drop list") << "Kesh::TQxAdoLookupDropList" << A << QSize(101, 21) << false;
     }
     void components()
     {
@@ -285,7 +289,7 @@ private Q_SLOTS:
         QStringList Names;
         for (QDesignerCustomWidgetInterface* W : m_widgets)
             Names << W->name();
-        QCOMPARE(Names.size(), 20);
+        QCOMPARE(Names.size(), 22);
         QCOMPARE(QSet<QString>(Names.begin(), Names.end()).size(), Names.size());
     }
 
