@@ -612,13 +612,8 @@ void TQxCustomDBGrid::Scrolled()
 void TQxCustomDBGrid::EditingChanged()
 {
     // The dataset posted or cancelled behind the editor's back: the editor has nothing left to write.
-    if (!d->Link.Editing() && state() == QAbstractItemView::EditingState)
-        if (QWidget* Editor = indexWidget(currentIndex()); Editor || true) {
-            QWidget* Open = focusWidget();
-            if (Open && Open != this && isAncestorOf(Open))
-                QTableView::closeEditor(Open->objectName() == QLatin1String("InplaceEditor") ? Open : Open->parentWidget(),
-                                        QAbstractItemDelegate::RevertModelCache);
-        }
+    if (!d->Link.Editing())
+        HideEditor();
     d->Indicator->viewport()->update();
     viewport()->update();
     Recalc();
@@ -630,15 +625,21 @@ void TQxCustomDBGrid::RecordChanged(TField*)
     d->Indicator->viewport()->update();
 }
 
+QWidget* TQxCustomDBGrid::OpenEditor() const
+{
+    if (state() != QAbstractItemView::EditingState)
+        return nullptr;
+    // A closed editor lingers until deleted later: the open one is the one shown.
+    for (QWidget* W : viewport()->findChildren<QWidget*>(QStringLiteral("InplaceEditor"), Qt::FindDirectChildrenOnly))
+        if (W->isVisible())
+            return W;
+    return nullptr;
+}
+
 void TQxCustomDBGrid::UpdateData()
 {
     // The dataset asks for pending values (a Post from code or a button): write the editor's.
-    if (state() != QAbstractItemView::EditingState)
-        return;
-    QWidget* Editor = nullptr;
-    for (QWidget* W : viewport()->findChildren<QWidget*>(QStringLiteral("InplaceEditor"), Qt::FindDirectChildrenOnly))
-        if (W->isVisible())
-            Editor = W;
+    QWidget* Editor = OpenEditor();
     if (!Editor)
         return;
     TField* F = SelectedField();
@@ -774,7 +775,8 @@ bool TQxCustomDBGrid::CanEditColumn(int Column) const
 
 bool TQxCustomDBGrid::edit(const QModelIndex& Index, EditTrigger Trigger, QEvent* Event)
 {
-    if (Trigger == QAbstractItemView::NoEditTriggers || !Index.isValid())
+    // Only a trigger that opens an editor puts the record in edit (Qt asks on every move too).
+    if (!Index.isValid() || (Trigger != QAbstractItemView::AllEditTriggers && !(editTriggers() & Trigger)))
         return QTableView::edit(Index, Trigger, Event);
     if (state() == QAbstractItemView::EditingState)
         return false;
@@ -836,15 +838,13 @@ void TQxCustomDBGrid::closeEditor(QWidget* Editor, QAbstractItemDelegate::EndEdi
 void TQxCustomDBGrid::ShowEditor()
 {
     if (currentIndex().isValid() && state() != QAbstractItemView::EditingState)
-        edit(currentIndex(), QAbstractItemView::EditKeyPressed, nullptr);
+        edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
 }
 
 void TQxCustomDBGrid::HideEditor()
 {
-    if (state() != QAbstractItemView::EditingState)
-        return;
-    for (QWidget* W : viewport()->findChildren<QWidget*>(QStringLiteral("InplaceEditor"), Qt::FindDirectChildrenOnly))
-        QTableView::closeEditor(W, QAbstractItemDelegate::RevertModelCache);
+    if (QWidget* Editor = OpenEditor())
+        QTableView::closeEditor(Editor, QAbstractItemDelegate::RevertModelCache);
 }
 
 bool TQxCustomDBGrid::EditorMode() const { return state() == QAbstractItemView::EditingState; }
@@ -895,6 +895,12 @@ void TQxCustomDBGrid::MyOnKeyDown(QObject* Sender, int& Key, Qt::KeyboardModifie
 
 void TQxCustomDBGrid::keyPressEvent(QKeyEvent* Event)
 {
+    // Keys sent to the grid while its editor is open belong to the editor.
+    if (QWidget* Editor = OpenEditor(); Editor && !Event->text().isEmpty()
+        && Event->text().at(0).isPrint() && !(Event->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
+        QApplication::sendEvent(Editor->focusProxy() ? Editor->focusProxy() : Editor, Event);
+        return;
+    }
     int Key = Event->key();
     const Qt::KeyboardModifiers Mods = Event->modifiers() & ~Qt::KeypadModifier;
     MyOnKeyDown(this, Key, Mods);

@@ -118,6 +118,13 @@ bool TQxGridDelegate::eventFilter(QObject* Object, QEvent* Event)
     // The combo's line edit reports for its combo.
     if (Editor && qobject_cast<QComboBox*>(Editor->parentWidget()))
         Editor = Editor->parentWidget();
+    // A message box or a pop-up taking the focus for a while leaves the editor open (Qt
+    // would write and close it): the user's text stays where it was typed.
+    if (Editor && Event->type() == QEvent::FocusOut) {
+        const Qt::FocusReason Reason = static_cast<QFocusEvent*>(Event)->reason();
+        if (Reason == Qt::ActiveWindowFocusReason || Reason == Qt::PopupFocusReason)
+            return false;
+    }
     if (!Editor || Event->type() != QEvent::KeyPress)
         return QStyledItemDelegate::eventFilter(Editor ? Editor : Object, Event);
     auto* Key = static_cast<QKeyEvent*>(Event);
