@@ -3,6 +3,11 @@
 //   walk every row                    TADOTable::Next      vs forward-only QSqlQuery
 //   10,000 look-ups by key            TQxAdoConnection::DLookup vs QSqlQuery with the same text
 //   peak memory with every row read   TADOTable (Last)     vs QSqlQueryModel (fetchMore to the end)
+// and, with the PostgreSQL server of KESH_TEST_PG, on the same rows there:
+//   open and reach the first record   TADOTable on PostgreSQL vs TADOTable on SQLite
+//   memory after the first record     TADOTable on PostgreSQL vs TADOTable on SQLite
+//   walk every row                    TADOTable::Next      vs forward-only QSqlQuery on PostgreSQL
+// (with a scrollable QSqlQuery, which receives the whole result first, for reference).
 // Memory is measured in child processes (VmHWM), one per contender, so neither sees the other.
 #include <Kesh_AdoDB.h>
 
@@ -75,6 +80,33 @@ long PeakKiB()
 
 QString Connection(const QString& File) { return QStringLiteral("Driver=QSQLITE;Database=") + File; }
 
+// Child process: open Table on the first record one way and print the growth of the peak
+// memory from just after connecting ("first-sqlite" on File, "first-pg" and "buffered-pg"
+// on KESH_TEST_PG).
+int FirstRecordChild(const QString& Who, const QString& File, const QString& Table)
+{
+    TADOConnection Conn;
+    Conn.SetConnectionString(Who == QLatin1String("first-sqlite") ? Connection(File) : qEnvironmentVariable("KESH_TEST_PG"));
+    Conn.Open();
+    const long Base = PeakKiB();
+    int Id = -1;
+    if (Who == QLatin1String("buffered-pg")) {  // how the datasets read PostgreSQL before
+        QSqlQuery Q(Conn.Database());
+        Q.exec(QStringLiteral("SELECT * FROM ") + Table);
+        if (Q.next())
+            Id = Q.value(0).toInt();
+        std::printf("%ld %d\n", PeakKiB() - Base, Id);
+        return 0;
+    }
+    TADOTable T;
+    T.SetConnection(&Conn);
+    T.SetTableName(Table);
+    T.Open();
+    Id = T.Fields().first()->AsInteger();
+    std::printf("%ld %d\n", PeakKiB() - Base, Id);
+    return 0;
+}
+
 // Child process: read every row one way and print the peak memory.
 int MemoryChild(const QString& Who, const QString& File)
 {
@@ -104,10 +136,13 @@ int MemoryChild(const QString& Who, const QString& File)
     return 0;
 }
 
-long MeasureChild(const QString& Who, const QString& File, int& RowsRead)
+long MeasureChild(const QString& Who, const QString& File, int& RowsRead, const QString& Table = QString())
 {
     QProcess P;
-    P.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--memory"), Who, File});
+    QStringList Args = {QStringLiteral("--memory"), Who, File};
+    if (!Table.isEmpty())
+        Args << Table;
+    P.start(QCoreApplication::applicationFilePath(), Args);
     P.waitForFinished(-1);
     const QList<QByteArray> Parts = P.readAllStandardOutput().trimmed().split(' ');
     RowsRead = Parts.size() > 1 ? Parts[1].toInt() : -1;
@@ -121,6 +156,92 @@ void Report(const char* What, const char* Peer, double Ours, double Theirs, doub
                 Ratio, Goal, Ratio <= Goal ? "met" : "NOT MET");
 }
 
+// The same rows on the PostgreSQL server of KESH_TEST_PG; returns whether the sums agree.
+bool BenchPostgres(const QString& File, TADOConnection& Sqlite, qint64 SqliteSum)
+{
+    const QString Table = QStringLiteral("kesh_bench_items_%1").arg(QCoreApplication::applicationPid());
+    TADOConnection Conn, RawConn;
+    for (TADOConnection* C : {&Conn, &RawConn}) {
+        C->SetConnectionString(qEnvironmentVariable("KESH_TEST_PG"));
+        C->Open();
+    }
+    std::printf("\nCreating a %d-row PostgreSQL table...\n", Rows);
+    Conn.Execute(QStringLiteral("CREATE TABLE %1 (Item_id INTEGER PRIMARY KEY, Name_a TEXT, Name_e TEXT, Price DOUBLE PRECISION, "
+                                "Qty INTEGER)").arg(Table));
+    Conn.Execute(QStringLiteral("INSERT INTO %1 SELECT i, 'صنف ' || i, 'Item ' || i, i * 0.25, i % 97 "
+                                "FROM generate_series(1, %2) i").arg(Table).arg(Rows));
+    Conn.Execute(QStringLiteral("VACUUM ANALYZE ") + Table);
+    const QSqlDatabase Raw = RawConn.Database();
+
+    int Checksum = 0;
+    auto OpenFirst = [&](TADOConnection& C, const QString& Name) {
+        return [&C, Name, &Checksum] {
+            TADOTable T;
+            T.SetConnection(&C);
+            T.SetTableName(Name);
+            T.Open();
+            Checksum += T.Fields().first()->AsInteger();
+        };
+    };
+    const double OpenPg = Time(7, OpenFirst(Conn, Table));
+    const double OpenSqlite = Time(7, OpenFirst(Sqlite, QStringLiteral("Items")));
+    const double OpenBuffered = Time(3, [&] {
+        QSqlQuery Q(Raw);
+        Q.exec(QStringLiteral("SELECT * FROM ") + Table);
+        if (Q.next())
+            Checksum += Q.value(0).toInt();
+    });
+
+    qint64 SumKesh = 0, SumQt = 0, SumQtAll = 0;
+    const double WalkKesh = Time(5, [&] {
+        SumKesh = 0;
+        TADOTable T;
+        T.SetConnection(&Conn);
+        T.SetTableName(Table);
+        T.Open();
+        TField* Qty = T.FieldByName(QStringLiteral("Qty"));
+        while (!T.Eof()) {
+            SumKesh += Qty->AsInteger();
+            T.Next();
+        }
+    });
+    auto WalkQuery = [&](qint64& Sum, bool Every) {
+        return [&Sum, Every, &Raw, &Table] {
+            Sum = 0;
+            QSqlQuery Q(Raw);
+            Q.setForwardOnly(true);
+            Q.exec(QStringLiteral("SELECT * FROM ") + Table);
+            const int Qty = Q.record().indexOf(QStringLiteral("qty"));
+            const int Columns = Q.record().count();
+            while (Q.next()) {
+                Sum += Q.value(Qty).toInt();
+                for (int c = 0; Every && c < Columns; ++c)
+                    Q.value(c);
+            }
+        };
+    };
+    const double WalkQt = Time(5, WalkQuery(SumQt, false));
+    const double WalkQtAll = Time(5, WalkQuery(SumQtAll, true));
+
+    int IdPg = 0, IdSqlite = 0, IdBuffered = 0;
+    const long MemPg = MeasureChild(QStringLiteral("first-pg"), File, IdPg, Table);
+    const long MemSqlite = MeasureChild(QStringLiteral("first-sqlite"), File, IdSqlite, QStringLiteral("Items"));
+    const long MemBuffered = MeasureChild(QStringLiteral("buffered-pg"), File, IdBuffered, Table);
+    Conn.Execute(QStringLiteral("DROP TABLE ") + Table);
+
+    std::printf("\nPostgreSQL, %d rows:\n", Rows);
+    Report("open + first record", "TADOTable on SQLite", OpenPg, OpenSqlite, 2.0, "ms");
+    Report("memory after the first record", "TADOTable on SQLite", MemPg / 1024.0, std::max(MemSqlite, 1L) / 1024.0, 2.0, "MiB");
+    Report("walk 1,000,000 rows", "forward-only QSqlQuery", WalkKesh, WalkQt, 1.5, "ms");
+    std::printf("for reference: a forward-only QSqlQuery reading every column %.2f ms (ratio %.2f); a scrollable "
+                "QSqlQuery, as the datasets read PostgreSQL before: open + first record %.2f ms, memory %.2f MiB\n",
+                WalkQtAll, WalkKesh / WalkQtAll, OpenBuffered, MemBuffered / 1024.0);
+    const bool Same = SumKesh == SqliteSum && SumQt == SqliteSum && SumQtAll == SqliteSum && IdPg == 1 && IdSqlite == 1 && IdBuffered == 1;
+    std::printf("checks: sums %lld/%lld/%lld, first ids %d/%d/%d: %s (checksum %d)\n", (long long)SumKesh, (long long)SumQt,
+                (long long)SqliteSum, IdPg, IdSqlite, IdBuffered, Same ? "equal" : "DIFFERENT", Checksum);
+    return Same;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -128,6 +249,8 @@ int main(int argc, char** argv)
     QCoreApplication App(argc, argv);
     if (argc == 4 && qstrcmp(argv[1], "--memory") == 0)
         return MemoryChild(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+    if (argc == 5 && qstrcmp(argv[1], "--memory") == 0)
+        return FirstRecordChild(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]), QString::fromLocal8Bit(argv[4]));
 
     QTemporaryDir Dir;
     const QString File = Dir.filePath(QStringLiteral("bench.db"));
@@ -209,5 +332,11 @@ int main(int argc, char** argv)
     const bool Same = SumKesh == SumQt && LookKesh == LookQt && RowsKesh == Rows && RowsQt == Rows;
     std::printf("\nchecks: sums %lld/%lld, look-ups %lld/%lld, rows %d/%d: %s (checksum %d)\n", (long long)SumKesh,
                 (long long)SumQt, (long long)LookKesh, (long long)LookQt, RowsKesh, RowsQt, Same ? "equal" : "DIFFERENT", Checksum);
-    return Same ? 0 : 1;
+
+    bool SamePg = true;
+    if (qEnvironmentVariableIsEmpty("KESH_TEST_PG"))
+        std::printf("\nKESH_TEST_PG is not set: no PostgreSQL figures\n");
+    else
+        SamePg = BenchPostgres(File, Conn, SumQt);
+    return Same && SamePg ? 0 : 1;
 }

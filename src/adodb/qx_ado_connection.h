@@ -10,8 +10,16 @@ namespace Kesh {
 
 class TADODataSet;
 
-/// Row-limit syntax of the record browser.
-enum TxDatabaseType { dtUnknown, dtSqlServer, dtOracle };
+/// The enumeration lives in its own namespace only so that moc can register it; it reads
+/// as Kesh::dtOracle.
+namespace AdoTypes {
+Q_NAMESPACE_EXPORT(KESH_EXPORT)
+/// Row-limit syntax of the record browser: none, "SELECT TOP 30", "WHERE (RowNum <= 30)",
+/// and "LIMIT 30" after the ORDER BY for SQLite and PostgreSQL.
+enum TxDatabaseType { dtUnknown, dtSqlServer, dtOracle, dtSQLite, dtPostgreSQL };
+Q_ENUM_NS(TxDatabaseType)
+} // namespace AdoTypes
+using namespace AdoTypes;
 
 /// A TADOConnection with domain helpers (DLookup, DCount, DMax, DMin, DSum, GetNextID,
 /// NameLookup, Exec, OpenRecordSet), catalogue questions and a `Settings` table.

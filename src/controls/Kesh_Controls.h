@@ -13,3 +13,4 @@
 #include "radio_group.h"
 #include "form_manager.h"
 #include "lookup_combo.h"
+#include "ui_forms.h"

@@ -6,6 +6,14 @@
 #include "platform/kesh_global.h"
 #include <QString>
 
+/// The published properties of TxBilingual's members, for the Q_OBJECT section of a class
+/// that inherits it.
+#define KESH_BILINGUAL_PROPERTIES \
+    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA) \
+    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE) \
+    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a) \
+    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+
 namespace Kesh {
 
 /// The two captions and fonts of a bilingual control, and the rule that picks one.

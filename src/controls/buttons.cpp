@@ -69,7 +69,6 @@ public:
 
 struct TxBiButtonData
 {
-    TBiCaption Bi;
     QString HintA;
     QString HintE;
     QShortcut* HotKey = nullptr; // child of the button, made with the first hot key
@@ -81,7 +80,7 @@ struct TxBiButtonData
 template <class Base>
 TxBiButton<Base>::TxBiButton(QWidget* Parent) : Base(Parent), d(new TxBiButtonData)
 {
-    d->Bi.FontA = d->Bi.FontE = FontOf(this);
+    InitBiFonts(FontOf(this));
     d->Mode = BiDiModeOf(this);
 }
 
@@ -91,10 +90,6 @@ TxBiButton<Base>::~TxBiButton()
     HotKeys().removeOne(d->HotKey);
 }
 
-template <class Base> QString TxBiButton<Base>::GetCaption_a() const { return d->Bi.CaptionA; }
-template <class Base> QString TxBiButton<Base>::GetCaption_e() const { return d->Bi.CaptionE; }
-template <class Base> TFont TxBiButton<Base>::GetFont_a() const { return d->Bi.FontA; }
-template <class Base> TFont TxBiButton<Base>::GetFont_e() const { return d->Bi.FontE; }
 template <class Base> QString TxBiButton<Base>::GetHint_a() const { return d->HintA; }
 template <class Base> QString TxBiButton<Base>::GetHint_e() const { return d->HintE; }
 template <class Base> QMenu* TxBiButton<Base>::GetPopupMenu() const { return d->PopupMenu; }
@@ -107,38 +102,10 @@ bool TxBiButton<Base>::IsRightToLeft() const
     return BiDiModeOf(this) == bdRightToLeft;
 }
 
-// The setters treat every direction but right to left as English.
-template <class Base>
-void TxBiButton<Base>::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (IsRightToLeft())
-        this->setText(Value);
-}
-
-template <class Base>
-void TxBiButton<Base>::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (!IsRightToLeft())
-        this->setText(Value);
-}
-
-template <class Base>
-void TxBiButton<Base>::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (IsRightToLeft())
-        ApplyFont(this, Value);
-}
-
-template <class Base>
-void TxBiButton<Base>::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (!IsRightToLeft())
-        ApplyFont(this, Value);
-}
+// The members, like the hints, treat every direction but right to left as English.
+template <class Base> TBiDiMode TxBiButton<Base>::BiLanguage() const { return BiDiModeOf(this); }
+template <class Base> void TxBiButton<Base>::ShowBiCaption(const QString& Caption) { this->setText(Caption); }
+template <class Base> void TxBiButton<Base>::ShowBiFont(const TFont& Font) { ApplyFont(this, Font); }
 
 template <class Base>
 void TxBiButton<Base>::SetHintA(const QString& Value)
@@ -191,28 +158,25 @@ void TxBiButton<Base>::SetBiDiMode(TBiDiMode Value)
     SetBiDiModeOf(this, Value);
     d->SettingMode = false;
     if (!IsLoading())
-        ApplyLanguage(Value);
+        ApplyLanguage();
 }
 
 template <class Base>
-void TxBiButton<Base>::ApplyLanguage(TBiDiMode Mode)
+void TxBiButton<Base>::ApplyLanguage()
 {
+    const TBiDiMode Mode = d->Mode;
     if (Mode != bdLeftToRight && Mode != bdRightToLeft)
         return;
-    QString caption;
-    TFont font;
     // A blank caption counts as none: the other language's caption and font stay.
-    if (!IsEmpty(d->Bi.CaptionOf(Mode)) && d->Bi.Pick(Mode, caption, font)) {
-        this->setText(caption);
-        ApplyFont(this, font);
-    }
+    if (!IsEmpty(BiCaption().CaptionOf(Mode)))
+        ApplyBiCaption();
     this->setToolTip(Mode == bdRightToLeft ? d->HintA : d->HintE);
 }
 
 template <class Base>
 void TxBiButton<Base>::Loaded()
 {
-    ApplyLanguage(d->Mode);
+    ApplyLanguage();
 }
 
 template <class Base>
@@ -250,7 +214,7 @@ void TxBiButton<Base>::changeEvent(QEvent* Event)
     if (Event->type() == QEvent::LayoutDirectionChange && !d->SettingMode) {
         d->Mode = BiDiModeOf(this);
         if (!IsLoading())
-            ApplyLanguage(d->Mode);
+            ApplyLanguage();
     }
     Base::changeEvent(Event);
 }

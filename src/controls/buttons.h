@@ -2,6 +2,7 @@
 // answered from anywhere on their window, and a pop-up menu that opens on click.
 #pragma once
 #include "platform/application.h"
+#include "bi_caption.h"
 #include "platform/graphics.h"
 #include "platform/kesh_global.h"
 #include "platform/widgets.h"
@@ -24,25 +25,14 @@ struct TxBiButtonData;
 /// the button's mnemonic goes through the virtual Click(); Qt's plain click() (and so the
 /// clicked() signal, the button's OnClick) is what Click() runs when there is no pop-up menu.
 template <class Base>
-class KESH_EXPORT TxBiButton : public Base, public TLoadable
+class KESH_EXPORT TxBiButton : public Base, public TLoadable, public TxBilingual
 {
 public:
     explicit TxBiButton(QWidget* Parent = nullptr);
     ~TxBiButton() override;
 
-    /// Arabic caption; shown at once while the button is right to left.
-    QString GetCaption_a() const;
-    void SetCaptionA(const QString& Value);
-    /// English caption; shown at once while the button is not right to left.
-    QString GetCaption_e() const;
-    void SetCaptionE(const QString& Value);
-
-    /// Font under right to left; both fonts start as copies of the button's font.
-    TFont GetFont_a() const;
-    void SetFont_a(const TFont& Value);
-    /// Font under left to right.
-    TFont GetFont_e() const;
-    void SetFont_e(const TFont& Value);
+    // The captions and fonts (TxBilingual) start as copies of the button's font; a member
+    // shows at once while the button reads in its language.
 
     /// Arabic hint (the tool tip under right to left).
     QString GetHint_a() const;
@@ -80,7 +70,10 @@ protected:
     void contextMenuEvent(QContextMenuEvent* Event) override;
 
 private:
-    void ApplyLanguage(TBiDiMode Mode);
+    TBiDiMode BiLanguage() const override;
+    void ShowBiCaption(const QString& Caption) override;
+    void ShowBiFont(const TFont& Font) override;
+    void ApplyLanguage();
     bool IsRightToLeft() const;
 
     std::unique_ptr<TxBiButtonData> const d;
@@ -95,10 +88,7 @@ class KESH_EXPORT TQxSpeedButton : public TxBiButton<QToolButton>
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
     Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
     Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
@@ -117,10 +107,7 @@ class KESH_EXPORT TQxBitBtn : public TxBiButton<QPushButton>
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
     Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
     Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
@@ -137,10 +124,7 @@ class KESH_EXPORT TQxIconButton : public TxBiButton<QPushButton>
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
     Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
     Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)

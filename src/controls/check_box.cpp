@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual check box.
 #include "check_box.h"
+#include "accessibility_p.h"
 #include "resources.h"
 
 #include <QDirIterator>
@@ -18,7 +19,6 @@ namespace Kesh {
 struct TQxCheckBoxPrivate
 {
     bool LanguagePending = false;
-    TBiCaption Bi;
     TFont Font;
     TxTextLook Look{TxNormal, clGray, 1};
     TxCheckBoxStyles Style = cbsStyle_1;
@@ -37,7 +37,7 @@ TQxCheckBox::TQxCheckBox(QWidget* Parent) : QAbstractButton(Parent), d(new TQxCh
     Font.SetCharset(ARABIC_CHARSET);
     Font.SetColor(clNavy);
     SetFont(Font);
-    d->Bi.FontA = d->Bi.FontE = Font;
+    InitBiFonts(Font);
     connect(this, &QAbstractButton::toggled, this, [this] { FollowChecked(); });
 }
 
@@ -47,24 +47,7 @@ void TQxCheckBox::SetCaption(const QString& Value)
 {
     setText(Value);
     setShortcut(QKeySequence());  // the one QAbstractButton took from an "&" in the text
-}
-
-QString TQxCheckBox::GetCaption_a() const { return d->Bi.CaptionA; }
-
-void TQxCheckBox::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetCaption(Value);
-}
-
-QString TQxCheckBox::GetCaption_e() const { return d->Bi.CaptionE; }
-
-void TQxCheckBox::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetCaption(Value);
+    NotifyAccessible(this, QAccessible::NameChanged);
 }
 
 TFont TQxCheckBox::GetFont() const { return d->Font; }
@@ -74,24 +57,6 @@ void TQxCheckBox::SetFont(const TFont& Value)
     d->Font = Value;
     ApplyFont(this, Value);
     update();
-}
-
-TFont TQxCheckBox::GetFont_a() const { return d->Bi.FontA; }
-
-void TQxCheckBox::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetFont(Value);
-}
-
-TFont TQxCheckBox::GetFont_e() const { return d->Bi.FontE; }
-
-void TQxCheckBox::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetFont(Value);
 }
 
 QWidget* TQxCheckBox::GetControl() const { return d->Control; }
@@ -188,7 +153,7 @@ void TQxCheckBox::Loaded()
 {
     // A direction change met while loading was put off until now.
     if (std::exchange(d->LanguagePending, false))
-        ApplyLanguage();
+        ApplyBiCaption();
 }
 
 bool TQxCheckBox::event(QEvent* Event)
@@ -205,7 +170,7 @@ void TQxCheckBox::changeEvent(QEvent* Event)
         if (IsLoading())
             d->LanguagePending = true;
         else
-            ApplyLanguage();
+            ApplyBiCaption();
     }
 }
 
@@ -250,21 +215,21 @@ void TQxCheckBox::nextCheckState()
     setFocus(Qt::OtherFocusReason);
 }
 
-void TQxCheckBox::ApplyLanguage()
-{
-    QString Caption;
-    TFont Font;
-    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        SetCaption(Caption);
-        SetFont(Font);
-    }
-}
-
 void TQxCheckBox::FollowChecked()
 {
     if (d->Control)
         d->Control->setEnabled(isChecked());
     update();
+    if (QAccessible::isActive()) {
+        QAccessible::State changed;
+        changed.checked = true;
+        QAccessibleStateChangeEvent event(this, changed);
+        QAccessible::updateAccessibility(&event);
+    }
 }
+
+TBiDiMode TQxCheckBox::BiLanguage() const { return BiDiMode(); }
+void TQxCheckBox::ShowBiCaption(const QString& Caption) { SetCaption(Caption); }
+void TQxCheckBox::ShowBiFont(const TFont& Font) { SetFont(Font); }
 
 } // namespace Kesh

@@ -19,16 +19,13 @@ using namespace CheckBoxStyles;
 /// A bilingual check box: a 16×16 glyph of the chosen set at the top edge on the reading
 /// side, the caption beside it in the label's text styles, and an optional linked control
 /// whose Enabled always equals Checked. Enter moves the focus on, Space clicks.
-class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable
+class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable, public TxBilingual
 {
     Q_OBJECT
     Q_PROPERTY(bool Checked READ GetChecked WRITE SetChecked USER true)
     Q_PROPERTY(QString Caption READ text WRITE SetCaption)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QWidget* _Control READ GetControl WRITE SetControl)
     Q_PROPERTY(Kesh::CheckBoxStyles::TxCheckBoxStyles _Style READ GetStyle WRITE SetStyle)
     Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)
@@ -53,17 +50,9 @@ public:
     /// The caption shown now. An "&" is plain text: the caption is drawn without prefix
     /// processing, so it makes no Alt+letter shortcut either.
     void SetCaption(const QString& Value);
-    QString GetCaption_a() const;
-    void SetCaptionA(const QString& Value);
-    QString GetCaption_e() const;
-    void SetCaptionE(const QString& Value);
     /// The font the caption is drawn in (with its colour).
     TFont GetFont() const;
     void SetFont(const TFont& Value);
-    TFont GetFont_a() const;
-    void SetFont_a(const TFont& Value);
-    TFont GetFont_e() const;
-    void SetFont_e(const TFont& Value);
 
     /// The linked control (not owned); it is given Enabled = Checked at once and on every change.
     QWidget* GetControl() const;
@@ -104,7 +93,9 @@ protected:
     void nextCheckState() override;
 
 private:
-    void ApplyLanguage();
+    TBiDiMode BiLanguage() const override;
+    void ShowBiCaption(const QString& Caption) override;
+    void ShowBiFont(const TFont& Font) override;
     void FollowChecked();
 
     std::unique_ptr<struct TQxCheckBoxPrivate> const d;

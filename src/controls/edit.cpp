@@ -3,6 +3,7 @@
 #include "buttons.h"
 #include "core/conversions.h"
 #include "core/messages.h"
+#include "core/select_date.h"
 #include "platform/exceptions.h"
 #include "platform/keyboard.h"
 #include "platform/rtl/datetime.h"
@@ -337,7 +338,14 @@ void TQxEditButton::ButtonClick()
         return;
     const QPointer<TQxEditButton> Self = this; // the handler may close the form
     RunGuarded(this, [&] {
-        if (_OnButtonClick)
+        if (m_pickDate && !isReadOnly()) {
+            int Date = AsInteger();
+            if (SelectDate(Date, m_pickHijri) && Self) {
+                SetAsInteger(Date);
+                emit textEdited(text());
+            }
+        }
+        if (Self && _OnButtonClick)
             _OnButtonClick(this);
         if (Self)
             setFocus(Qt::OtherFocusReason);

@@ -148,11 +148,14 @@ private:
 };
 
 /// A TQxEdit with a small "..." button inside its frame, at the trailing edge (right under
-/// left to right, left under right to left), that raises _OnButtonClick.
+/// left to right, left under right to left), that raises _OnButtonClick. An edit of integer
+/// dates (_PickDate) opens the calendar picker on its button first.
 class KESH_EXPORT TQxEditButton : public TQxEdit
 {
     Q_OBJECT
     Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
+    Q_PROPERTY(bool _PickDate READ GetPickDate WRITE SetPickDate)
+    Q_PROPERTY(bool _PickHijri READ GetPickHijri WRITE SetPickHijri)
 
 public:
     /// Width of the inner button; the text keeps 2 pixels more clear of it.
@@ -167,11 +170,20 @@ public:
     /// The inner button; it takes no focus.
     TQxBitBtn* Button() const { return m_button; }
 
+    /// The text is an integer date (yyyymmdd): the button lets the user pick it in the
+    /// calendar (SelectDate), starting from the date typed, and writes the confirmed day.
+    bool GetPickDate() const { return m_pickDate; }
+    void SetPickDate(bool Value) { m_pickDate = Value; }
+    /// The calendar the picked date is written in: Hijri when set, else Gregorian.
+    bool GetPickHijri() const { return m_pickHijri; }
+    void SetPickHijri(bool Value) { m_pickHijri = Value; }
+
     /// Runs on a click of the button while the edit can take the focus; Sender is the edit.
     std::function<void(QObject* Sender)> _OnButtonClick;
 
-    /// What a click of the button does: _OnButtonClick, then the focus back to the edit;
-    /// nothing while the edit is hidden or disabled.
+    /// What a click of the button does: the calendar picker (with _PickDate, not on a
+    /// read-only edit), then _OnButtonClick, then the focus back to the edit; nothing while
+    /// the edit is hidden or disabled.
     void ButtonClick();
 
 protected:
@@ -182,6 +194,8 @@ private:
     void PlaceButton();
 
     TQxBitBtn* m_button;
+    bool m_pickDate = false;
+    bool m_pickHijri = false;
 };
 
 } // namespace Kesh

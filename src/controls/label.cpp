@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual label and the styled caption drawing.
 #include "label.h"
+#include "accessibility_p.h"
 
 #include <QEnterEvent>
 #include <QFontMetrics>
@@ -42,7 +43,6 @@ void DrawStyledText(QPainter* Canvas, const QRect& Rect, int Flags, const QStrin
 struct TQxCustomLabelPrivate
 {
     bool LanguagePending = false;
-    TBiCaption Bi;
     QString Caption;
     TFont Font;
     TxTextLook Look{TxNormal, clGray, 2};
@@ -67,7 +67,7 @@ struct TQxCustomLabelPrivate
 TQxCustomLabel::TQxCustomLabel(QWidget* Parent) : QWidget(Parent), d(new TQxCustomLabelPrivate)
 {
     // The caption fonts copy the font the label starts with, before its own defaults.
-    d->Bi.FontA = d->Bi.FontE = FontOf(this);
+    InitBiFonts(FontOf(this));
     resize(101, 21);
     TFont Font;
     Font.SetName(QStringLiteral("Tahoma"));
@@ -89,24 +89,7 @@ void TQxCustomLabel::SetCaption(const QString& Value)
     d->Caption = Value;
     UpdateShortcut();
     Changed();
-}
-
-QString TQxCustomLabel::GetCaption_a() const { return d->Bi.CaptionA; }
-
-void TQxCustomLabel::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetCaption(Value);
-}
-
-QString TQxCustomLabel::GetCaption_e() const { return d->Bi.CaptionE; }
-
-void TQxCustomLabel::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetCaption(Value);
+    NotifyAccessible(this, QAccessible::NameChanged);
 }
 
 TFont TQxCustomLabel::GetFont() const { return d->Font; }
@@ -117,24 +100,6 @@ void TQxCustomLabel::SetFont(const TFont& Value)
     // The widget carries the font too, so metrics, style sheets and FontOf agree.
     ApplyFont(this, Value);
     Changed();
-}
-
-TFont TQxCustomLabel::GetFont_a() const { return d->Bi.FontA; }
-
-void TQxCustomLabel::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetFont(Value);
-}
-
-TFont TQxCustomLabel::GetFont_e() const { return d->Bi.FontE; }
-
-void TQxCustomLabel::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetFont(Value);
 }
 
 TxTextStyle TQxCustomLabel::GetTextStyle() const { return d->Look.Style; }
@@ -296,7 +261,7 @@ void TQxCustomLabel::Loaded()
 {
     // A direction change met while loading was put off until now.
     if (std::exchange(d->LanguagePending, false))
-        ApplyLanguage();
+        ApplyBiCaption();
     AdjustBounds();
 }
 
@@ -329,7 +294,7 @@ void TQxCustomLabel::changeEvent(QEvent* Event)
         if (IsLoading())
             d->LanguagePending = true;
         else
-            ApplyLanguage();
+            ApplyBiCaption();
         Changed();
         break;
     case QEvent::EnabledChange:
@@ -411,16 +376,6 @@ void TQxCustomLabel::leaveEvent(QEvent* Event)
         OnMouseLeave(this);
 }
 
-void TQxCustomLabel::ApplyLanguage()
-{
-    QString Caption;
-    TFont Font;
-    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        SetCaption(Caption);
-        SetFont(Font);
-    }
-}
-
 // Whatever changes the text's extent repaints and, with AutoSize, resizes.
 void TQxCustomLabel::Changed()
 {
@@ -477,5 +432,9 @@ QSize TQxCustomLabel::TextExtent(int Width) const
     const int Flags = Qt::AlignLeft | Qt::AlignTop | (TextFlags() & (Qt::TextWordWrap | Qt::TextShowMnemonic));
     return Metrics.boundingRect(Bounds, Flags, Text).size();
 }
+
+TBiDiMode TQxCustomLabel::BiLanguage() const { return BiDiMode(); }
+void TQxCustomLabel::ShowBiCaption(const QString& Caption) { SetCaption(Caption); }
+void TQxCustomLabel::ShowBiFont(const TFont& Font) { SetFont(Font); }
 
 } // namespace Kesh

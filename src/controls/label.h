@@ -47,15 +47,12 @@ KESH_EXPORT void DrawStyledText(QPainter* Canvas, const QRect& Rect, int Flags, 
 /// A bilingual static text that paints itself: an Arabic and an English caption with a font
 /// each, shown by the label's reading direction, drawn plain, embossed or shadowed, on an
 /// opaque or transparent background with an optional frame.
-class KESH_EXPORT TQxCustomLabel : public QWidget, public TLoadable
+class KESH_EXPORT TQxCustomLabel : public QWidget, public TLoadable, public TxBilingual
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)
     Q_PROPERTY(quint32 _TextShade READ GetTextShade WRITE SetTextShade)
     Q_PROPERTY(int _TextShadowPos READ GetTextShadowPos WRITE SetTextShadowPos)
@@ -83,22 +80,10 @@ public:
     /// The text shown.
     QString GetCaption() const;
     void SetCaption(const QString& Value);
-    /// Arabic caption; shown at once when the label is right to left.
-    QString GetCaption_a() const;
-    void SetCaptionA(const QString& Value);
-    /// English caption; shown at once when the label is not right to left.
-    QString GetCaption_e() const;
-    void SetCaptionE(const QString& Value);
 
     /// The font the text is drawn in (with its colour).
     TFont GetFont() const;
     void SetFont(const TFont& Value);
-    /// Font of the Arabic caption; taken at once when the label is right to left.
-    TFont GetFont_a() const;
-    void SetFont_a(const TFont& Value);
-    /// Font of the English caption; taken at once when the label is not right to left.
-    TFont GetFont_e() const;
-    void SetFont_e(const TFont& Value);
 
     TxTextStyle GetTextStyle() const;
     void SetTextStyle(TxTextStyle Value);
@@ -173,7 +158,9 @@ protected:
     void leaveEvent(QEvent* Event) override;
 
 private:
-    void ApplyLanguage();
+    TBiDiMode BiLanguage() const override;
+    void ShowBiCaption(const QString& Caption) override;
+    void ShowBiFont(const TFont& Font) override;
     void Changed();
     void AdjustBounds();
     void UpdateShortcut();

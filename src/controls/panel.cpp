@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual panel.
 #include "panel.h"
+#include "accessibility_p.h"
 
 #include <QPainter>
 #include <utility>
@@ -9,7 +10,6 @@ namespace Kesh {
 struct TQxCustomPanelPrivate
 {
     bool LanguagePending = false;
-    TBiCaption Bi;
     QString Caption;
     TFont Font;
     TxTextLook Look{TxNormal, clGray, 2};
@@ -25,7 +25,8 @@ TQxCustomPanel::TQxCustomPanel(QWidget* Parent) : QFrame(Parent), d(new TQxCusto
 {
     setFrameStyle(QFrame::Panel | QFrame::Raised);
     setLineWidth(1);
-    d->Font = d->Bi.FontA = d->Bi.FontE = FontOf(this);
+    d->Font = FontOf(this);
+    InitBiFonts(d->Font);
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
@@ -38,25 +39,8 @@ void TQxCustomPanel::SetCaption(const QString& Value)
     if (d->Caption != Value) {
         d->Caption = Value;
         update();
+        NotifyAccessible(this, QAccessible::NameChanged);
     }
-}
-
-QString TQxCustomPanel::GetCaption_a() const { return d->Bi.CaptionA; }
-
-void TQxCustomPanel::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetCaption(Value);
-}
-
-QString TQxCustomPanel::GetCaption_e() const { return d->Bi.CaptionE; }
-
-void TQxCustomPanel::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetCaption(Value);
 }
 
 TFont TQxCustomPanel::GetFont() const { return d->Font; }
@@ -67,24 +51,6 @@ void TQxCustomPanel::SetFont(const TFont& Value)
     // Children that follow their parent's font take it too.
     ApplyFont(this, Value);
     update();
-}
-
-TFont TQxCustomPanel::GetFont_a() const { return d->Bi.FontA; }
-
-void TQxCustomPanel::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetFont(Value);
-}
-
-TFont TQxCustomPanel::GetFont_e() const { return d->Bi.FontE; }
-
-void TQxCustomPanel::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetFont(Value);
 }
 
 bool TQxCustomPanel::GetGradFill() const { return d->GradFill; }
@@ -182,7 +148,7 @@ void TQxCustomPanel::Loaded()
 {
     // A direction change met while loading was put off until now.
     if (std::exchange(d->LanguagePending, false))
-        ApplyLanguage();
+        ApplyBiCaption();
 }
 
 bool TQxCustomPanel::event(QEvent* Event)
@@ -199,7 +165,7 @@ void TQxCustomPanel::changeEvent(QEvent* Event)
         if (IsLoading())
             d->LanguagePending = true;
         else
-            ApplyLanguage();
+            ApplyBiCaption();
     } else if (Event->type() == QEvent::EnabledChange) {
         update();
     }
@@ -223,14 +189,8 @@ void TQxCustomPanel::paintEvent(QPaintEvent*)
     DrawStyledText(&Painter, Face, Flags, d->Caption, d->Font, d->Look, isEnabled());
 }
 
-void TQxCustomPanel::ApplyLanguage()
-{
-    QString Caption;
-    TFont Font;
-    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        SetCaption(Caption);
-        SetFont(Font);
-    }
-}
+TBiDiMode TQxCustomPanel::BiLanguage() const { return BiDiMode(); }
+void TQxCustomPanel::ShowBiCaption(const QString& Caption) { SetCaption(Caption); }
+void TQxCustomPanel::ShowBiFont(const TFont& Font) { SetFont(Font); }
 
 } // namespace Kesh

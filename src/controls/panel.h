@@ -10,15 +10,12 @@ namespace Kesh {
 
 /// A raised frame that paints its face in Color or, with _GradFill, as a gradient from
 /// _ColorFrom to _ColorTo, and shows a bilingual caption in the label's text styles.
-class KESH_EXPORT TQxCustomPanel : public QFrame, public TLoadable
+class KESH_EXPORT TQxCustomPanel : public QFrame, public TLoadable, public TxBilingual
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(bool _GradFill READ GetGradFill WRITE SetGradFill)
     Q_PROPERTY(quint32 _ColorFrom READ GetColorFrom WRITE SetColorFrom)
     Q_PROPERTY(quint32 _ColorTo READ GetColorTo WRITE SetColorTo)
@@ -39,19 +36,9 @@ public:
     /// The caption shown.
     QString GetCaption() const;
     void SetCaption(const QString& Value);
-    /// Arabic caption; shown at once when the panel is right to left.
-    QString GetCaption_a() const;
-    void SetCaptionA(const QString& Value);
-    /// English caption; shown at once when the panel is not right to left.
-    QString GetCaption_e() const;
-    void SetCaptionE(const QString& Value);
     /// The font the caption is drawn in (with its colour).
     TFont GetFont() const;
     void SetFont(const TFont& Value);
-    TFont GetFont_a() const;
-    void SetFont_a(const TFont& Value);
-    TFont GetFont_e() const;
-    void SetFont_e(const TFont& Value);
 
     /// Paint the face as a gradient (False: plain Color).
     bool GetGradFill() const;
@@ -92,7 +79,9 @@ protected:
     void paintEvent(QPaintEvent* Event) override;
 
 private:
-    void ApplyLanguage();
+    TBiDiMode BiLanguage() const override;
+    void ShowBiCaption(const QString& Caption) override;
+    void ShowBiFont(const TFont& Font) override;
 
     std::unique_ptr<struct TQxCustomPanelPrivate> const d;
 };

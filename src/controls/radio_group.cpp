@@ -1,5 +1,6 @@
 // Kesh for Qt — the bilingual radio group.
 #include "radio_group.h"
+#include "accessibility_p.h"
 
 #include <QButtonGroup>
 #include <QGridLayout>
@@ -11,7 +12,6 @@ namespace Kesh {
 struct TQxRadioGroupPrivate
 {
     bool LanguagePending = false;
-    TBiCaption Bi;
     QStringList ItemsA;
     QStringList ItemsE;
     QStringList Items;
@@ -26,7 +26,8 @@ struct TQxRadioGroupPrivate
 
 TQxRadioGroup::TQxRadioGroup(QWidget* Parent) : QGroupBox(Parent), d(new TQxRadioGroupPrivate)
 {
-    d->Font = d->Bi.FontA = d->Bi.FontE = FontOf(this);
+    d->Font = FontOf(this);
+    InitBiFonts(d->Font);
     d->Group = new QButtonGroup(this);
     d->Grid = new QGridLayout(this);
     connect(d->Group, &QButtonGroup::idToggled, this, [this](int Id, bool Checked) {
@@ -36,27 +37,10 @@ TQxRadioGroup::TQxRadioGroup(QWidget* Parent) : QGroupBox(Parent), d(new TQxRadi
         d->ItemIndex = Id;
         emit ItemIndexChanged(Id);
     });
+    connect(this, &TQxRadioGroup::ItemIndexChanged, this, [this] { NotifyAccessible(this, QAccessible::ValueChanged); });
 }
 
 TQxRadioGroup::~TQxRadioGroup() = default;
-
-QString TQxRadioGroup::GetCaption_a() const { return d->Bi.CaptionA; }
-
-void TQxRadioGroup::SetCaptionA(const QString& Value)
-{
-    d->Bi.CaptionA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        setTitle(Value);
-}
-
-QString TQxRadioGroup::GetCaption_e() const { return d->Bi.CaptionE; }
-
-void TQxRadioGroup::SetCaptionE(const QString& Value)
-{
-    d->Bi.CaptionE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        setTitle(Value);
-}
 
 QStringList TQxRadioGroup::GetItems() const { return d->Items; }
 
@@ -70,6 +54,7 @@ void TQxRadioGroup::SetItems(const QStringList& Value)
         // Only the texts change (a language switch): keep the buttons and the focus.
         for (int i = 0; i < d->Buttons.size(); ++i)
             d->Buttons[i]->setText(Value[i]);
+        NotifyAccessible(this, QAccessible::ValueChanged);
         return;
     }
     BuildButtons();
@@ -103,24 +88,6 @@ void TQxRadioGroup::SetFont(const TFont& Value)
     d->Font = Value;
     // The buttons follow their parent's font and palette.
     ApplyFont(this, Value);
-}
-
-TFont TQxRadioGroup::GetFont_a() const { return d->Bi.FontA; }
-
-void TQxRadioGroup::SetFont_a(const TFont& Value)
-{
-    d->Bi.FontA = Value;
-    if (BiDiMode() == bdRightToLeft)
-        SetFont(Value);
-}
-
-TFont TQxRadioGroup::GetFont_e() const { return d->Bi.FontE; }
-
-void TQxRadioGroup::SetFont_e(const TFont& Value)
-{
-    d->Bi.FontE = Value;
-    if (BiDiMode() != bdRightToLeft)
-        SetFont(Value);
 }
 
 int TQxRadioGroup::GetItemIndex() const { return d->ItemIndex; }
@@ -178,12 +145,7 @@ void TQxRadioGroup::changeEvent(QEvent* Event)
 
 void TQxRadioGroup::ApplyLanguage()
 {
-    QString Caption;
-    TFont Font;
-    if (d->Bi.Pick(BiDiMode(), Caption, Font)) {
-        setTitle(Caption);
-        SetFont(Font);
-    }
+    ApplyBiCaption();
     // As with the title, a language without items leaves the shown ones in place.
     const QStringList& Items = BiDiMode() == bdRightToLeft ? d->ItemsA : d->ItemsE;
     if (!Items.isEmpty())
@@ -224,5 +186,9 @@ void TQxRadioGroup::ShowItemIndex()
     d->Group->setExclusive(true);
     d->Showing = false;
 }
+
+TBiDiMode TQxRadioGroup::BiLanguage() const { return BiDiMode(); }
+void TQxRadioGroup::ShowBiCaption(const QString& Caption) { setTitle(Caption); }
+void TQxRadioGroup::ShowBiFont(const TFont& Font) { SetFont(Font); }
 
 } // namespace Kesh

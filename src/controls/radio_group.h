@@ -15,18 +15,15 @@ namespace Kesh {
 /// A titled group of exclusive radio buttons, one per item, laid out in Columns columns
 /// (filled top to bottom). The title, items and font come in Arabic and English and follow
 /// the group's reading direction; the chosen item stays chosen across a switch.
-class KESH_EXPORT TQxRadioGroup : public QGroupBox, public TLoadable
+class KESH_EXPORT TQxRadioGroup : public QGroupBox, public TLoadable, public TxBilingual
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ title WRITE setTitle)
-    Q_PROPERTY(QString _Caption_a READ GetCaption_a WRITE SetCaptionA)
-    Q_PROPERTY(QString _Caption_e READ GetCaption_e WRITE SetCaptionE)
     Q_PROPERTY(QStringList Items READ GetItems WRITE SetItems)
     Q_PROPERTY(QStringList _Items_a READ GetItems_a WRITE SetItems_a)
     Q_PROPERTY(QStringList _Items_e READ GetItems_e WRITE SetItems_e)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
-    Q_PROPERTY(Kesh::TFont _Font_a READ GetFont_a WRITE SetFont_a)
-    Q_PROPERTY(Kesh::TFont _Font_e READ GetFont_e WRITE SetFont_e)
+    KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(int ItemIndex READ GetItemIndex WRITE SetItemIndex NOTIFY ItemIndexChanged USER true)
     Q_PROPERTY(int Columns READ GetColumns WRITE SetColumns)
     Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ BiDiMode WRITE SetBiDiMode)
@@ -36,12 +33,6 @@ public:
     explicit TQxRadioGroup(QWidget* Parent = nullptr);
     ~TQxRadioGroup() override;
 
-    QString GetCaption_a() const;
-    /// Arabic title; shown at once when the group is right to left.
-    void SetCaptionA(const QString& Value);
-    QString GetCaption_e() const;
-    /// English title; shown at once when the group is not right to left.
-    void SetCaptionE(const QString& Value);
 
     /// The items shown, one radio button each. ItemIndex is kept when still in range.
     QStringList GetItems() const;
@@ -56,10 +47,6 @@ public:
     /// The font of the title and the items (with its colour).
     TFont GetFont() const;
     void SetFont(const TFont& Value);
-    TFont GetFont_a() const;
-    void SetFont_a(const TFont& Value);
-    TFont GetFont_e() const;
-    void SetFont_e(const TFont& Value);
 
     /// The chosen item, −1 for none; a value out of range is brought to −1 or the last item.
     int GetItemIndex() const;
@@ -84,6 +71,9 @@ protected:
     void changeEvent(QEvent* Event) override;
 
 private:
+    TBiDiMode BiLanguage() const override;
+    void ShowBiCaption(const QString& Caption) override;
+    void ShowBiFont(const TFont& Font) override;
     void ApplyLanguage();
     void BuildButtons();
     void PlaceButtons();

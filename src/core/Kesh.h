@@ -18,3 +18,4 @@
 #include "settings.h"
 #include "startup.h"
 #include "colors.h"
+#include "select_date.h"

@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QPointer>
 #include <QScrollArea>
+#include <QSet>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -206,10 +207,22 @@ void TLoadable::EndLoading()
     Loaded();
 }
 
-void EndLoading(QObject* Root)
+namespace {
+QList<TEndLoadingHook>& EndLoadingHooks()
 {
-    if (!Root)
-        return;
+    static QList<TEndLoadingHook> Hooks;
+    return Hooks;
+}
+
+// The objects marked as designed; an entry leaves with its object.
+QSet<const QObject*>& Designed()
+{
+    static QSet<const QObject*> Objects;
+    return Objects;
+}
+
+void EndLoadingTree(QObject* Root)
+{
     if (auto* loadable = dynamic_cast<TLoadable*>(Root))
         loadable->EndLoading();
     // A Loaded() may delete or add objects: guard the children taken beforehand.
@@ -218,7 +231,44 @@ void EndLoading(QObject* Root)
         children << child;
     for (const QPointer<QObject>& child : children)
         if (child)
-            EndLoading(child);
+            EndLoadingTree(child);
+}
+} // namespace
+
+void EndLoading(QObject* Root)
+{
+    if (!Root)
+        return;
+    for (TEndLoadingHook Hook : EndLoadingHooks())
+        Hook(Root);
+    EndLoadingTree(Root);
+}
+
+void AddEndLoadingHook(TEndLoadingHook Hook)
+{
+    if (Hook && !EndLoadingHooks().contains(Hook))
+        EndLoadingHooks().append(Hook);
+}
+
+bool IsDesigning(const QObject* Object)
+{
+    const QSet<const QObject*>& Objects = Designed();
+    for (; Object; Object = Object->parent())
+        if (Objects.contains(Object))
+            return true;
+    return false;
+}
+
+void SetDesigning(QObject* Object, bool Value)
+{
+    if (!Object || Designed().contains(Object) == Value)
+        return;
+    if (Value) {
+        Designed().insert(Object);
+        QObject::connect(Object, &QObject::destroyed, [Object] { Designed().remove(Object); });
+    } else {
+        Designed().remove(Object);
+    }
 }
 
 } // namespace Kesh

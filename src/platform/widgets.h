@@ -76,8 +76,22 @@ private:
     bool m_loaded = false;
 };
 
-/// Ends the loading of every TLoadable object below Root (Root included), parents before
-/// children, each in creation order.
+/// Ends the building of a form: first the end-of-building hooks run once on Root (they
+/// bind objects named in a .ui file, see AddEndLoadingHook), then the loading of every
+/// TLoadable object below Root (Root included) ends, parents before children, each in
+/// creation order.
 KESH_EXPORT void EndLoading(QObject* Root);
+
+/// A step that Kesh::EndLoading(Root) runs on the root before any Loaded(); it may raise.
+using TEndLoadingHook = void (*)(QObject* Root);
+/// Adds a hook (once; a second registration of the same hook is ignored).
+KESH_EXPORT void AddEndLoadingHook(TEndLoadingHook Hook);
+
+/// True while Object, or any of its parents, is being edited in a form designer (the
+/// Qt Designer plugin marks every component it creates): a component then opens no
+/// database, shows no dialog and installs no run-time hooks on its form.
+KESH_EXPORT bool IsDesigning(const QObject* Object);
+/// Marks Object, and so everything below it, as being designed (or not).
+KESH_EXPORT void SetDesigning(QObject* Object, bool Value = true);
 
 } // namespace Kesh

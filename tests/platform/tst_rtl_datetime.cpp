@@ -33,6 +33,50 @@ private slots:
     // The date routines follow the default locale; every test starts from the process's own.
     void cleanup() { QLocale::setDefault(QLocale::system()); }
 
+    // The classic patterns; "/" and ":" are the separators of FormatSettings.
+    void formatDateTime_data()
+    {
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("dateSep");
+        QTest::addColumn<QString>("timeSep");
+        QTest::addColumn<QString>("text");
+        const double At = Mar5 + (14 * 3600 + 5 * 60 + 9) / 86400.0;  // 2024-03-05 14:05:09
+        const double Early = Mar5 + (7 * 3600 + 3 * 60) / 86400.0;   // 07:03:00
+        QTest::newRow("d-m-yyyy") << "d-m-yyyy" << At << "/" << ":" << "5-3-2024";
+        QTest::newRow("dd/mm/yy") << "dd/mm/yy" << At << "/" << ":" << "05/03/24";
+        QTest::newRow("date separator") << "dd/mm/yyyy" << At << "." << ":" << "05.03.2024";
+        QTest::newRow("hh:mm is minutes") << "hh:mm" << At << "/" << ":" << "14:05";
+        QTest::newRow("h:n:s") << "h:n:s" << Early << "/" << ":" << "7:3:0";
+        QTest::newRow("hh:nn:ss") << "hh:nn:ss" << At << "/" << ":" << "14:05:09";
+        QTest::newRow("time separator") << "hh:nn" << At << "/" << "." << "14.05";
+        QTest::newRow("m after a date is the month") << "yyyy m" << At << "/" << ":" << "2024 3";
+        QTest::newRow("am/pm afternoon") << "h:nn am/pm" << At << "/" << ":" << "2:05 pm";
+        QTest::newRow("AM/PM morning, upper") << "hh:nn AM/PM" << Early << "/" << ":" << "07:03 AM";
+        QTest::newRow("midnight is 12 am") << "hh:nn am/pm" << Mar5 << "/" << ":" << "12:00 am";
+        QTest::newRow("noon is 12 pm") << "h am/pm" << Mar5 + 0.5 << "/" << ":" << "12 pm";
+        QTest::newRow("ampm") << "hh:nn ampm" << At << "/" << ":" << "02:05 PM";
+        QTest::newRow("quoted text") << "d \"of\" m, 'h' h" << At << "/" << ":" << "5 of 3, h 14";
+        QTest::newRow("quoted separators stay") << "hh':'nn\"/\"" << At << "/" << "." << "14:05/";
+        QTest::newRow("date and time") << "d-m-yyyy hh:nn" << At << "/" << ":" << "5-3-2024 14:05";
+        QTest::newRow("Hijri-looking year pads") << "yyyy" << -693593.0 << "/" << ":" << "0001";
+    }
+    void formatDateTime()
+    {
+        QFETCH(QString, format);
+        QFETCH(double, value);
+        QFETCH(QString, dateSep);
+        QFETCH(QString, timeSep);
+        const TFormatSettings Saved = FormatSettings;
+        FormatSettings.DateSeparator = dateSep.at(0);
+        FormatSettings.TimeSeparator = timeSep.at(0);
+        FormatSettings.TimeAMString = QStringLiteral("AM");
+        FormatSettings.TimePMString = QStringLiteral("PM");
+        const QString Text = FormatDateTime(format, value);
+        FormatSettings = Saved;
+        QTEST(Text, "text");
+    }
+
     // Valid dates encode and decode back; the others are refused and leave the result alone.
     void encodeDate_data()
     {

@@ -1,6 +1,7 @@
 #include "ado_connection.h"
 #include "ado_dataset.h"
 #include "db_consts_p.h"
+#include "server_cursor_p.h"
 #include <QAtomicInt>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -90,6 +91,16 @@ public:
     QString userName;
     QString password;
     QList<TADODataSet*> dataSets;
+    Detail::TCursorSession cursors;
+
+    // The session ended: whatever cursors it had are gone.
+    void ForgetCursors()
+    {
+        if (cursors.reading)
+            cursors.reading->rolledBack = true;
+        cursors.reading.reset();
+        cursors.EndApplication(false);
+    }
 };
 
 TADOConnection::TADOConnection(QObject* Owner) : QObject(Owner), d(new TADOConnectionPrivate)
@@ -212,6 +223,7 @@ void TADOConnection::DoConnect()
     if (!d->db.open())
         RaiseSqlError(d->db.lastError());
     d->inTransaction = false;
+    d->ForgetCursors();
 }
 
 void TADOConnection::DoDisconnect()
@@ -221,6 +233,7 @@ void TADOConnection::DoDisconnect()
         if (d->dataSets.contains(Ds))
             Ds->Close();
     d->inTransaction = false;
+    d->ForgetCursors();
     d->db.close();
 }
 
@@ -287,6 +300,7 @@ int TADOConnection::BeginTrans()
     if (!d->db.transaction())
         RaiseSqlError(d->db.lastError());
     d->inTransaction = true;
+    d->cursors.application = std::make_shared<Detail::TCursorTransaction>();
     return 1;
 }
 
@@ -294,18 +308,35 @@ void TADOConnection::CommitTrans()
 {
     CheckConnected(this);
     FinishPendingFetches();
-    if (!d->db.commit())
+    if (!d->db.commit()) {
+        d->cursors.EndApplication(false);
         RaiseSqlError(d->db.lastError());
+    }
     d->inTransaction = false;
+    d->cursors.EndApplication(true);
+    d->ForgetCursors();
 }
 
 void TADOConnection::RollbackTrans()
 {
     CheckConnected(this);
     FinishPendingFetches();
-    if (!d->db.rollback())
+    // Cursors opened in the transaction go with it: their rows are read first.
+    const QList<TADODataSet*> DataSets = d->dataSets;
+    for (TADODataSet* Ds : DataSets) {
+        try {
+            if (d->dataSets.contains(Ds) && Ds->CursorInApplicationTransaction())
+                Ds->FetchAll();
+        } catch (const Exception&) {
+            // Its next read reports the error again; the rollback must happen all the same.
+        }
+    }
+    const bool Ok = d->db.rollback();
+    d->cursors.EndApplication(false);
+    if (!Ok)
         RaiseSqlError(d->db.lastError());
     d->inTransaction = false;
+    d->ForgetCursors();
 }
 
 bool TADOConnection::InTransaction() const { return d->inTransaction; }
@@ -329,6 +360,9 @@ void TADOConnection::FinishPendingFetches(TADODataSet* Except)
     for (TADODataSet* Ds : DataSets)
         if (Ds != Except && d->dataSets.contains(Ds) && Ds->HasPendingFetch())
             Ds->FetchAll();
+    d->cursors.EndReading(d->db, true);
 }
+
+Detail::TCursorSession& TADOConnection::CursorSession() const { return d->cursors; }
 
 } // namespace Kesh

@@ -15,6 +15,10 @@ namespace Kesh {
 
 class TADOConnection;
 class TADODataSet;
+namespace Detail {
+struct TCursorSession;
+class TServerCursor;
+}
 
 using TConnectionNotifyEvent = std::function<void(QObject* Sender)>;
 /// Asked for the user name and password when LoginPrompt is set.
@@ -76,8 +80,11 @@ public:
     TConnectionNotifyEvent BeforeConnect, AfterConnect, BeforeDisconnect, AfterDisconnect;
     TLoginEvent OnLogin;
 
-    /// Reads the rest of every attached dataset's unfinished SELECT (SQLite and other
-    /// forward-only readers), so that a write on the connection cannot disturb it.
+    /// Makes the connection ready for a write while datasets have rows left to read: reads
+    /// the rest of every attached dataset's unfinished SELECT (SQLite and other forward-only
+    /// readers), and on PostgreSQL commits the transaction the datasets' cursors were opened
+    /// in (the server keeps their remaining rows). Every write through this class calls it;
+    /// code that writes through Database() directly should call it first.
     void FinishPendingFetches(TADODataSet* Except = nullptr);
 
     /// EDatabaseError with the server's text of Error (databaseText, else text).
@@ -91,6 +98,8 @@ protected:
 
 private:
     friend class TADODataSet;
+    friend class Detail::TServerCursor;
+    Detail::TCursorSession& CursorSession() const;
     void AttachDataSet(TADODataSet* DataSet);
     void DetachDataSet(TADODataSet* DataSet);
     std::unique_ptr<class TADOConnectionPrivate> const d;

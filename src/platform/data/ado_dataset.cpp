@@ -2,6 +2,7 @@
 #include "ado_connection.h"
 #include "db_consts_p.h"
 #include "fields.h"
+#include "server_cursor_p.h"
 #include <QMetaEnum>
 #include <QRegularExpression>
 #include <QSqlDriver>
@@ -82,6 +83,7 @@ public:
     QPointer<TADODataSet> cloneSource;
 
     std::unique_ptr<QSqlQuery> query;
+    std::unique_ptr<Detail::TServerCursor> cursor;  // PostgreSQL: read instead of query
     bool pending = false;      // the query still has rows to read
     bool forwardOnly = false;  // the query holds the server's cursor (so writes must wait)
 
@@ -243,10 +245,73 @@ void TADODataSet::InternalOpen()
         DatabaseError(QStringLiteral("Missing Connection or ConnectionString"));
     if (!d->connection->Connected())
         d->connection->Open();
-    const QString Sql = SelectText();
-    if (Sql.trimmed().isEmpty())
+    // Semicolons that end the text would make a second, empty statement.
+    static const QRegularExpression Trailing(QStringLiteral("[\\s;]+$"));
+    const QString Sql = SelectText().remove(Trailing);
+    if (Sql.isEmpty())
         DatabaseError(QStringLiteral("CommandText does not return a result set"));
 
+    d->forwardOnly = false;
+    if (!OpenCursor(Sql))
+        OpenQuery(Sql);
+    d->pending = true;
+
+    TFieldDefs& Defs = FieldDefsRef();
+    Defs.Clear();
+    const QSqlRecord Record = d->cursor ? d->cursor->Block().record() : d->query->record();
+    for (int i = 0; i < Record.count(); ++i) {
+        const QSqlField F = Record.field(i);
+        TFieldDef Def;
+        Def.Name = F.name().isEmpty() ? QStringLiteral("Column%1").arg(i + 1) : F.name();
+        for (int n = 1; Defs.IndexOf(Def.Name) >= 0; ++n)
+            Def.Name = F.name() + QLatin1Char('_') + QString::number(n);
+        Def.DataType = FieldTypeOf(F);
+        if (Def.DataType == ftWideString && F.length() > 0)
+            Def.Size = F.length();
+        Def.Precision = std::max(F.precision(), 0);
+        Def.AutoValue = F.isAutoValue();
+        Defs.Append(Def);
+    }
+}
+
+int TADODataSet::InternalFetch(int MaxRows)
+{
+    QSqlQuery* Q = d->cursor ? &d->cursor->Block() : d->query.get();
+    if (!Q || !d->pending)
+        return 0;
+    const int Columns = FieldDefs().Count();
+    int Got = 0;
+    for (;;) {
+        while (Got < MaxRows && Q->next()) {
+            BeginFetchedRow();
+            for (int c = 0; c < Columns; ++c)
+                SetFetchedValue(c, Q->value(c));
+            ++Got;
+        }
+        if (Got == MaxRows || !d->cursor || !d->cursor->More())
+            break;
+        try {
+            d->cursor->FetchNext(MaxRows - Got);
+        } catch (...) {
+            d->cursor.reset();
+            d->pending = false;
+            throw;
+        }
+    }
+    if (Got < MaxRows) {
+        const QSqlError Error = Q->lastError();
+        d->query.reset();  // finishes the statement: an unfinished SELECT blocks writers
+        d->cursor.reset();
+        d->pending = false;
+        if (Error.isValid())
+            TADOConnection::RaiseSqlError(Error);
+    }
+    return Got;
+}
+
+// The statement's rows from a QSqlQuery: forward-only where the driver streams them.
+void TADODataSet::OpenQuery(const QString& Sql)
+{
     d->query = std::make_unique<QSqlQuery>(d->Db());
     // PostgreSQL's forward-only mode streams rows over the connection and loses them when
     // another statement runs there; its buffered result is read lazily all the same.
@@ -276,53 +341,47 @@ void TADODataSet::InternalOpen()
         d->query.reset();
         DatabaseError(QStringLiteral("CommandText does not return a result set"));
     }
-    d->pending = true;
-
-    TFieldDefs& Defs = FieldDefsRef();
-    Defs.Clear();
-    const QSqlRecord Record = d->query->record();
-    for (int i = 0; i < Record.count(); ++i) {
-        const QSqlField F = Record.field(i);
-        TFieldDef Def;
-        Def.Name = F.name().isEmpty() ? QStringLiteral("Column%1").arg(i + 1) : F.name();
-        for (int n = 1; Defs.IndexOf(Def.Name) >= 0; ++n)
-            Def.Name = F.name() + QLatin1Char('_') + QString::number(n);
-        Def.DataType = FieldTypeOf(F);
-        if (Def.DataType == ftWideString && F.length() > 0)
-            Def.Size = F.length();
-        Def.Precision = std::max(F.precision(), 0);
-        Def.AutoValue = F.isAutoValue();
-        Defs.Append(Def);
-    }
-}
-
-int TADODataSet::InternalFetch(int MaxRows)
-{
-    if (!d->query || !d->pending)
-        return 0;
-    const int Columns = FieldDefs().Count();
-    QSqlQuery& Q = *d->query;
-    int Got = 0;
-    while (Got < MaxRows && Q.next()) {
-        BeginFetchedRow();
-        for (int c = 0; c < Columns; ++c)
-            SetFetchedValue(c, Q.value(c));
-        ++Got;
-    }
-    if (Got < MaxRows) {
-        const QSqlError Error = Q.lastError();
-        d->query.reset();  // finishes the statement: an unfinished SELECT blocks writers
-        d->pending = false;
-        if (Error.isValid())
-            TADOConnection::RaiseSqlError(Error);
-    }
-    return Got;
 }
 
 bool TADODataSet::HasPendingFetch() const { return Active() && d->pending && d->forwardOnly; }
 
+bool TADODataSet::CursorInApplicationTransaction() const
+{
+    return Active() && d->pending && d->cursor && d->cursor->InApplicationTransaction();
+}
+
+// PostgreSQL: one query is read through a server-side cursor; false for what is not.
+bool TADODataSet::OpenCursor(const QString& Sql)
+{
+    if (!d->IsPostgres())
+        return false;
+    const QString Text = d->paramCheck && d->parameters.Count() > 0 ? WithParameterLiterals(Sql) : Sql;
+    if (!Detail::TServerCursor::Suits(StripLiterals(Text)))
+        return false;
+    auto Cursor = std::make_unique<Detail::TServerCursor>(d->connection);
+    Cursor->Open(Text, std::min(FetchBlockSize(), 64));
+    d->cursor = std::move(Cursor);
+    return true;
+}
+
+// A cursor is declared from text: the values go in as the driver quotes them, as Qt's own
+// PostgreSQL driver sends the values of a prepared statement.
+QString TADODataSet::WithParameterLiterals(const QString& Sql) const
+{
+    const QSqlDriver* Driver = d->Db().driver();
+    return TParameters::Substitute(Sql, [&](const QString& Name) {
+        const TParameter* P = d->parameters.FindParam(Name);
+        const bool Given = P && P->Value.isValid() && !P->Value.isNull();
+        QSqlField F(Name, Given ? P->Value.metaType() : QMetaType::fromType<QString>());
+        if (Given)
+            F.setValue(P->Value);
+        return Driver->formatValue(F);
+    });
+}
+
 void TADODataSet::InternalClose()
 {
+    d->cursor.reset();
     d->query.reset();
     d->pending = false;
     d->ResetMeta();
@@ -354,16 +413,21 @@ QStringList TADODataSet::RefreshKeyFields() const
 
 // ---- writing
 
+QString TADODataSet::BaseTableName() const
+{
+    if (!d->uniqueTable.isEmpty())
+        return d->uniqueTable;
+    return d->commandType == cmdTable || d->commandType == cmdTableDirect ? d->commandText.trimmed()
+                                                                          : SingleTableOf(d->commandText);
+}
+
 void TADODataSet::EnsureWriteMeta()
 {
     if (d->meta)
         return;
     if (!d->connection || !d->connection->Connected())
         DatabaseError(QStringLiteral("Cannot perform this operation on a closed connection"));
-    QString Table = d->uniqueTable;
-    if (Table.isEmpty())
-        Table = d->commandType == cmdTable || d->commandType == cmdTableDirect ? d->commandText.trimmed()
-                                                                               : SingleTableOf(d->commandText);
+    QString Table = BaseTableName();
     if (Table.isEmpty())
         DatabaseError(SInsufficientBaseTable());
     QSqlDriver* Driver = d->Db().driver();

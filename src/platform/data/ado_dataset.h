@@ -16,12 +16,20 @@ class TADOConnection;
 
 /// A dataset over the rows of an SQL command on a TADOConnection.
 ///
-/// The rows are read from a forward-only QSqlQuery in blocks of FetchBlockSize (256) and
-/// kept client-side; when the last row is read the query is finished at once. Until then
-/// an SQLite SELECT holds its read lock: every write through the same TADOConnection
-/// (Post, Delete, Execute, ExecSQL, transactions) first reads the rest of the pending
-/// SELECTs, so it never disturbs them. (PostgreSQL results are buffered by the client and
-/// need no such care.) Post and Delete write SQL built by the
+/// The rows are read in blocks of FetchBlockSize (256) and kept client-side; when the last
+/// row is read the query is finished at once. On SQLite they come from a forward-only
+/// QSqlQuery whose SELECT holds its read lock until then: every write through the same
+/// TADOConnection (Post, Delete, Execute, ExecSQL, transactions) first reads the rest of
+/// the pending SELECTs, so it never disturbs them. On PostgreSQL a query (SELECT, VALUES,
+/// TABLE or a read-only WITH) is read through a WITH HOLD cursor on the connection's own
+/// session, in blocks that grow to 4096 rows per round trip; outside the application's
+/// transactions the cursors live in a transaction of the connection's, which each write
+/// commits first, so writes and the application's transactions run as they would without
+/// the cursors, and the server keeps the rows not read yet (see TADOConnection::
+/// FinishPendingFetches). The rows are those of the moment the dataset opened. Closing the
+/// dataset closes its cursor. Other statements and drivers are read as before. Parameters
+/// of such a query are sent as literals quoted by the driver (QSqlDriver::formatValue).
+/// Post and Delete write SQL built by the
 /// driver (QSqlDriver::sqlStatement) against the base table: the table of cmdTable, else
 /// UniqueTable, else the single table in the FROM of the command text. The row is found
 /// by the table's primary key (without one: every selected column of the table but the
@@ -74,6 +82,9 @@ public:
     /// The table Post and Delete write to; empty: found from the command.
     QString UniqueTable() const;
     void SetUniqueTable(const QString& Value);
+    /// The table Post and Delete write to: UniqueTable, the table of cmdTable, else the
+    /// single table in the FROM of the command text; empty when there is none.
+    QString BaseTableName() const;
 
     /// Opens this dataset as a second cursor on Source's rows (read to the end first):
     /// moving one does not move the other; posted changes are seen by both.
@@ -101,6 +112,10 @@ private:
     friend class TDataSetTotalsPrivate;  // sums the rows of SelectText on the server
     void ConnectionClosing();
     bool HasPendingFetch() const;
+    bool CursorInApplicationTransaction() const;
+    bool OpenCursor(const QString& Sql);
+    void OpenQuery(const QString& Sql);
+    QString WithParameterLiterals(const QString& Sql) const;
     void EnsureWriteMeta();
     void PrepareWrite();
     QSqlRecord WhereRecord(const TRecordValues& OldValues, const QBitArray* Changed) const;

@@ -37,9 +37,12 @@ TParameter* TParameters::AddParameter(const QString& Name)
 
 void TParameters::Clear() { m_items.clear(); }
 
-QStringList TParameters::ParseSQL(const QString& SQL)
+namespace {
+
+// Calls Found(start, length, name) for each `:name` of SQL outside quotes and comments.
+template <typename F>
+void ScanParameters(const QString& SQL, F Found)
 {
-    QStringList Names;
     const int N = int(SQL.size());
     auto IsNameChar = [](QChar C) { return C.isLetterOrNumber() || C == QLatin1Char('_'); };
     int i = 0;
@@ -75,14 +78,38 @@ QStringList TParameters::ParseSQL(const QString& SQL)
             while (j < N && IsNameChar(SQL[j]))
                 ++j;
             const QString Name = SQL.mid(i + 1, j - i - 1);
-            if (!Name.isEmpty() && !Name[0].isDigit() && !Names.contains(Name, Qt::CaseInsensitive))
-                Names << Name;
+            if (!Name.isEmpty() && !Name[0].isDigit())
+                Found(i, j - i, Name);
             i = std::max(j, i + 1);
         } else {
             ++i;
         }
     }
+}
+
+} // namespace
+
+QStringList TParameters::ParseSQL(const QString& SQL)
+{
+    QStringList Names;
+    ScanParameters(SQL, [&](int, int, const QString& Name) {
+        if (!Names.contains(Name, Qt::CaseInsensitive))
+            Names << Name;
+    });
     return Names;
+}
+
+QString TParameters::Substitute(const QString& SQL, const std::function<QString(const QString&)>& Literal)
+{
+    QString R;
+    int Done = 0;
+    ScanParameters(SQL, [&](int Start, int Length, const QString& Name) {
+        R += QStringView(SQL).mid(Done, Start - Done);
+        R += Literal(Name);
+        Done = Start + Length;
+    });
+    R += QStringView(SQL).mid(Done);
+    return R;
 }
 
 void TParameters::Refresh(const QString& SQL)

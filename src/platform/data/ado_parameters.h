@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QVariant>
+#include <functional>
 #include <memory>
 
 namespace Kesh {
@@ -41,6 +42,8 @@ public:
     void Clear();
     /// The `:name` parameters of SQL, outside quotes and comments, `::` casts excluded.
     static QStringList ParseSQL(const QString& SQL);
+    /// SQL with each of those parameters replaced by Literal(name) (a quoted value).
+    static QString Substitute(const QString& SQL, const std::function<QString(const QString&)>& Literal);
     /// Makes the list match SQL's parameters; a parameter that stays keeps its value.
     void Refresh(const QString& SQL);
 

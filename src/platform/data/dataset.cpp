@@ -1057,6 +1057,7 @@ void TDataSet::SetActiveRow(int Row)
 
 bool TDataSet::EnsureRows(int Count) const { return d->EnsureRows(Count); }
 int TDataSet::StoredRowCount() const { return d->StoredCount(); }
+const void* TDataSet::RowsIdentity() const { return d->store.get(); }
 
 QVariant TDataSet::StoredValue(int Row, int Column) const
 {

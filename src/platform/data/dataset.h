@@ -236,6 +236,8 @@ private:
     /// The posted rows read so far and their stored values (no edit buffer, no unposted row).
     int StoredRowCount() const;
     QVariant StoredValue(int Row, int Column) const;
+    /// Changes only when the rows are replaced as a whole (open, refresh, empty).
+    const void* RowsIdentity() const;
     void BeginInsert(bool AtEnd);
     QVariant ColumnValue(int Column) const;
     QVariant OldColumnValue(int Column) const;

@@ -5,12 +5,15 @@
 #include "fields.h"
 #include "../exceptions.h"
 #include "../rtl/numbers.h"
+#include <QMutex>
 #include <QPointer>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QThreadPool>
 #include <QtNumeric>
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <vector>
@@ -30,9 +33,18 @@ public:
     {
         if (!V.isValid() || V.isNull())
             return;
+        const void* P = V.constData();  // the common types read in place: sums run over millions
         switch (V.metaType().id()) {
-        case QMetaType::Int: case QMetaType::LongLong: case QMetaType::Short: case QMetaType::SChar:
-        case QMetaType::Char: case QMetaType::Long:
+        case QMetaType::Int:
+            AddInteger(*static_cast<const int*>(P), Negate);
+            return;
+        case QMetaType::LongLong:
+            AddInteger(*static_cast<const qlonglong*>(P), Negate);
+            return;
+        case QMetaType::Double:
+            AddDouble(*static_cast<const double*>(P), Negate);
+            return;
+        case QMetaType::Short: case QMetaType::SChar: case QMetaType::Char: case QMetaType::Long:
             AddInteger(V.toLongLong(), Negate);
             return;
         case QMetaType::UInt: case QMetaType::UShort: case QMetaType::UChar: case QMetaType::ULong:
@@ -47,15 +59,19 @@ public:
         case QMetaType::Bool:
             AddInteger(V.toBool() ? 1 : 0, Negate);
             return;
-        case QMetaType::Double: case QMetaType::Float:
+        case QMetaType::Float:
             AddDouble(V.toDouble(), Negate);
             return;
         case QMetaType::QString: {
-            const QString S = V.toString().trimmed();
-            if (AddDecimal(S, Negate))
+            const QString& Text = *static_cast<const QString*>(V.constData());
+            const QString S = Text.trimmed();
+            if (AddDecimal(S, Negate))  // plain decimals, which a field reads the same
                 return;
-            double D;  // text in the user's format (separators), as a field reads it
-            if (TryStrToFloat(S, D))
+            double D;  // text in the user's format, then a server's, as a field reads it
+            bool Ok = TryStrToFloat(Text, D);
+            if (!Ok)
+                D = S.toDouble(&Ok);
+            if (Ok)
                 AddDouble(D, Negate);
             return;
         }
@@ -102,31 +118,65 @@ private:
     }
     static bool Scale(TWide V, int By, TWide& R)
     {
+        static constexpr qint64 Powers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
         R = V;
-        for (int i = 0; i < By; ++i)
-            if (!Mul(R, 10, R))
+        if (By == 0 || V == 0)
+            return true;
+        for (; By > 0; By -= 9)
+            if (!Mul(R, TWide(Powers[std::min(By, 9)]), R))
                 return false;
         return true;
     }
 
+    // Adds Mantissa / 10^Frac (Frac in 0..MaxScale) exactly; false (nothing added) on overflow.
+    bool AddScaled(TWide Mantissa, int Frac, bool Negate)
+    {
+        TWide Units = m_units;
+        int UnitsScale = m_scale;
+        if (Frac > UnitsScale) {
+            if (!Scale(Units, Frac - UnitsScale, Units))
+                return false;
+            UnitsScale = Frac;
+        } else if (!Scale(Mantissa, UnitsScale - Frac, Mantissa)) {
+            return false;
+        }
+        if (Negate && !Mul(Mantissa, -1, Mantissa))
+            return false;
+        if (!Plus(Units, Mantissa, Units))
+            return false;
+        m_units = Units;
+        m_scale = UnitsScale;
+        return true;
+    }
     void AddInteger(qint64 V, bool Negate)
     {
-        TWide Scaled;
-        if (Scale(TWide(V), m_scale, Scaled) && Accumulate(Negate ? -Scaled : Scaled))
-            return;
-        AddRest(static_cast<long double>(V), Negate);
+        if (!AddScaled(TWide(V), 0, Negate))
+            AddRest(static_cast<long double>(V), Negate);
     }
+    // A double is taken as its shortest decimal text. Most have few decimals (amounts,
+    // quantities): those are found with a few multiplications, the rest through to_chars.
     void AddDouble(double V, bool Negate)
     {
         if (!std::isfinite(V))
             return AddRest(V, Negate);
+        static constexpr double Powers[] = {1, 10, 100, 1000, 10000, 100000, 1000000};
+        for (int k = 0; k < 7; ++k) {
+            const double Scaled = V * Powers[k];
+            if (std::fabs(Scaled) >= 9007199254740992.0)  // 2^53: no longer exact
+                break;
+            const double Whole = std::nearbyint(Scaled);
+            if (Whole / Powers[k] == V) {  // Whole / 10^k reads back as V: its shortest text
+                if (AddScaled(TWide(qint64(Whole)), k, Negate))
+                    return;
+                break;
+            }
+        }
         char Text[64];
-        const auto R = std::to_chars(Text, Text + sizeof Text, V);  // the shortest exact text
+        const auto R = std::to_chars(Text, Text + sizeof Text, V);
         if (R.ec != std::errc() || !AddDecimal(QLatin1String(Text, int(R.ptr - Text)), Negate))
             AddRest(V, Negate);
     }
     void AddRest(long double V, bool Negate) { m_rest += Negate ? -V : V; }
-    bool Accumulate(TWide V) { return Plus(m_units, V, m_units); }
 
     // [sign] digits [. digits] [e [sign] digits]; false (nothing added) for anything else or
     // for a value too long to keep exactly.
@@ -174,6 +224,8 @@ private:
         }
         if (i != N)
             return false;
+        if (Mantissa == 0)
+            return true;
         int Frac = Fraction - Exponent;
         if (Frac < 0) {
             if (!Scale(Mantissa, -Frac, Mantissa))
@@ -184,22 +236,7 @@ private:
             Mantissa /= 10;
             --Frac;
         }
-        if (Frac > MaxScale)
-            return false;
-        TWide Units = m_units;
-        int UnitsScale = m_scale;
-        if (Frac > UnitsScale) {
-            if (!Scale(Units, Frac - UnitsScale, Units))
-                return false;
-            UnitsScale = Frac;
-        } else if (!Scale(Mantissa, UnitsScale - Frac, Mantissa)) {
-            return false;
-        }
-        if (!Plus(Units, (Minus != Negate) ? -Mantissa : Mantissa, Units))
-            return false;
-        m_units = Units;
-        m_scale = UnitsScale;
-        return true;
+        return Frac <= MaxScale && AddScaled(Mantissa, Frac, Minus != Negate);
     }
 
     TWide m_units = 0;
@@ -207,15 +244,62 @@ private:
     long double m_rest = 0;
 };
 
-// A connection that only this thread may use, and that a second connection cannot reach.
-bool IsPrivateMemoryDatabase(const QSqlDatabase& Db)
+// Whether a second connection with the same settings sees the same rows: not for an
+// SQLite database in memory (or a temporary one, which an empty name gives).
+bool SecondConnectionSeesData(const QSqlDatabase& Db)
 {
     if (Db.driverName() != QLatin1String("QSQLITE"))
-        return false;
+        return true;
     const QString Name = Db.databaseName().trimmed();
-    return Name.isEmpty() || Name == QLatin1String(":memory:") || Name.contains(QLatin1String("mode=memory"))
-           || Name.startsWith(QLatin1String("file::memory:"));
+    return !(Name.isEmpty() || Name == QLatin1String(":memory:") || Name.contains(QLatin1String("mode=memory"))
+             || Name.startsWith(QLatin1String("file::memory:")));
 }
+
+// The statement of a sum and what it needs to run anywhere.
+struct TAggregate
+{
+    QString Sql;
+    QVector<int> Selected;                    // the dataset column of each SUM, in order
+    QList<QPair<QString, QVariant>> Params;   // bound by name; empty: run as it stands
+    bool Prepared = false;
+};
+
+// Runs Aggregate on Db; false when the statement fails (the sums are then left alone).
+bool RunAggregate(const QSqlDatabase& Db, const TAggregate& Aggregate, QVariantList& Sums)
+{
+    QSqlQuery Q(Db);
+    Q.setForwardOnly(true);
+    Q.setNumericalPrecisionPolicy(QSql::HighPrecision);  // decimal sums as exact text
+    bool Ok;
+    if (Aggregate.Prepared) {
+        Ok = Q.prepare(Aggregate.Sql);
+        for (int i = 0; Ok && i < Aggregate.Params.size(); ++i)
+            Q.bindValue(Aggregate.Params[i].first, Aggregate.Params[i].second);
+        Ok = Ok && Q.exec();
+    } else {
+        Ok = Q.exec(Aggregate.Sql);
+    }
+    if (!Ok || !Q.next())
+        return false;
+    Sums.clear();
+    for (int k = 0; k < Aggregate.Selected.size(); ++k)
+        Sums << Q.value(k);
+    return true;
+}
+
+// A sum running in a worker thread. The owner leaves (Owner = nullptr) when it no longer
+// wants the result; the worker posts the result only to an owner still there.
+struct TJob
+{
+    QMutex Lock;
+    QObject* Owner = nullptr;
+    std::function<void(bool Ok, const QVariantList& Sums)> Done;  // runs in the owner's thread
+    const void* Rows = nullptr;  // the dataset's rows it sums
+    QVector<int> Columns;
+    quint64 WriteGeneration = 0; // the writes it sees
+};
+
+std::atomic<quint64> JobCounter{0};
 
 } // namespace
 
@@ -231,14 +315,23 @@ public:
     QVector<int> columns;          // per slot: the dataset column, or -1
     std::vector<TExactSum> sums;   // per slot
     bool ready = true;
+    quint64 writeGeneration = 0;   // rows written since the totals started following
+    std::shared_ptr<TJob> job;     // the sum running in the background, if any
 
     void Link();
     void Unlink();
     void ResolveColumns();
     bool HasColumns() const { return std::any_of(columns.cbegin(), columns.cend(), [](int C) { return C >= 0; }); }
     void SumInMemory(std::vector<TExactSum>& Sums) const;
-    bool SumOnServer(TADODataSet* DataSet, const QSqlDatabase& Db, std::vector<TExactSum>& Sums) const;
-    QString AggregateSql(TADODataSet* DataSet, const QSqlDatabase& Db, QVector<int>& Selected) const;
+    bool SumOnServer(TADODataSet* DataSet, std::vector<TExactSum>& Sums) const;
+    bool MakeAggregate(TADODataSet* DataSet, TAggregate& Aggregate) const;
+    void TakeSums(const TAggregate& Aggregate, const QVariantList& Values, std::vector<TExactSum>& Sums) const;
+    bool StartJob(TADODataSet* DataSet);
+    void LaunchJob(const std::shared_ptr<TJob>& Job);
+    void JobDone(const std::shared_ptr<TJob>& Job, bool Ok, const QVariantList& Values);
+    void DropJob();
+    bool JobCurrent() const;
+    void Compute(bool InBackground);
     void Publish(std::vector<TExactSum> Sums, bool Ready);
     void RowWritten(const TRecordValues& Old, const TRecordValues& New);
 };
@@ -265,6 +358,7 @@ void TDataSetTotalsPrivate::Unlink()
 
 void TDataSetTotalsPrivate::ResolveColumns()
 {
+    sums.resize(size_t(names.size()));  // last known sums, one per slot
     columns = QVector<int>(names.size(), -1);
     if (!dataSet || !dataSet->Active())
         return;
@@ -290,59 +384,153 @@ void TDataSetTotalsPrivate::SumInMemory(std::vector<TExactSum>& Sums) const
     }
 }
 
-// SELECT SUM(…), … FROM (the dataset's own SELECT): one sum per distinct column, listed in Selected.
-QString TDataSetTotalsPrivate::AggregateSql(TADODataSet* DataSet, const QSqlDatabase& Db, QVector<int>& Selected) const
+// SELECT SUM(…), … FROM (the dataset's own SELECT): one sum per distinct column, with the
+// dataset's parameters; false for a command that is no SELECT.
+bool TDataSetTotalsPrivate::MakeAggregate(TADODataSet* DataSet, TAggregate& Aggregate) const
 {
-    QString Select = DataSet->SelectText().trimmed();
+    QString Select;
+    try {
+        Select = DataSet->SelectText().trimmed();
+    } catch (const Exception&) {
+        return false;
+    }
     while (Select.endsWith(QLatin1Char(';')))
         Select = Select.chopped(1).trimmed();
+    const QSqlDatabase Db = DataSet->Connection()->Database();
     QStringList Sums;
     for (int C : columns) {
-        if (C < 0 || Selected.contains(C))
+        if (C < 0 || Aggregate.Selected.contains(C))
             continue;
-        Selected << C;
+        Aggregate.Selected << C;
         Sums << QStringLiteral("SUM(kesh_rows.%1)")
                     .arg(Db.driver()->escapeIdentifier(DataSet->FieldDefs()[C].Name, QSqlDriver::FieldName));
     }
-    return QStringLiteral("SELECT %1 FROM (%2) kesh_rows").arg(Sums.join(QStringLiteral(", ")), Select);
-}
-
-bool TDataSetTotalsPrivate::SumOnServer(TADODataSet* DataSet, const QSqlDatabase& Db, std::vector<TExactSum>& Sums) const
-{
-    QVector<int> Selected;
-    QString Sql;
-    try {
-        Sql = AggregateSql(DataSet, Db, Selected);
-    } catch (const Exception&) {
-        return false;  // a command that is no SELECT
-    }
-    QSqlQuery Q(Db);
-    Q.setForwardOnly(true);
-    Q.setNumericalPrecisionPolicy(QSql::HighPrecision);  // decimal sums as exact text
-    TParameters* Params = DataSet->Parameters();
-    bool Ok;
-    if (DataSet->ParamCheck() && Params->Count() > 0) {
-        Ok = Q.prepare(Sql);
-        for (int i = 0; Ok && i < Params->Count(); ++i) {
-            const TParameter* P = Params->Items(i);
-            const QMetaType Type = TField::ValueType(P->DataType);
-            Q.bindValue(QLatin1Char(':') + P->Name,
-                        P->Value.isValid() ? P->Value : QVariant(Type.isValid() ? Type : QMetaType::fromType<QString>()));
-        }
-        Ok = Ok && Q.exec();
-    } else {
-        Ok = Q.exec(Sql);
-    }
-    if (!Ok || !Q.next())
-        return false;
-    for (int k = 0; k < Selected.size(); ++k) {
-        TExactSum Column;
-        Column.Add(Q.value(k), false);
-        for (int i = 0; i < columns.size(); ++i)
-            if (columns[i] == Selected[k])
-                Sums[size_t(i)] = Column;
+    Aggregate.Sql = QStringLiteral("SELECT %1 FROM (%2) kesh_rows").arg(Sums.join(QStringLiteral(", ")), Select);
+    // The parameters as the dataset binds them when it opens.
+    const TParameters* Params = DataSet->Parameters();
+    Aggregate.Prepared = DataSet->ParamCheck() && Params->Count() > 0;
+    for (int i = 0; Aggregate.Prepared && i < Params->Count(); ++i) {
+        const TParameter* P = Params->Items(i);
+        const QMetaType Type = TField::ValueType(P->DataType);
+        Aggregate.Params << qMakePair(QLatin1Char(':') + P->Name,
+                                      P->Value.isValid() ? P->Value
+                                                         : QVariant(Type.isValid() ? Type : QMetaType::fromType<QString>()));
     }
     return true;
+}
+
+void TDataSetTotalsPrivate::TakeSums(const TAggregate& Aggregate, const QVariantList& Values,
+                                     std::vector<TExactSum>& Sums) const
+{
+    for (int k = 0; k < Aggregate.Selected.size() && k < Values.size(); ++k) {
+        TExactSum Column;
+        Column.Add(Values[k], false);
+        for (int i = 0; i < columns.size(); ++i)
+            if (columns[i] == Aggregate.Selected[k])
+                Sums[size_t(i)] = Column;
+    }
+}
+
+// The sum at once, on the dataset's own connection (which sees its own transaction).
+bool TDataSetTotalsPrivate::SumOnServer(TADODataSet* DataSet, std::vector<TExactSum>& Sums) const
+{
+    TAggregate Aggregate;
+    QVariantList Values;
+    if (!MakeAggregate(DataSet, Aggregate) || !RunAggregate(DataSet->Connection()->Database(), Aggregate, Values))
+        return false;
+    TakeSums(Aggregate, Values, Sums);
+    return true;
+}
+
+static bool CanSumInBackground(TADODataSet* DataSet)
+{
+    TADOConnection* Connection = DataSet->Connection();
+    // Another connection sees neither an open transaction nor a private database.
+    return Connection && Connection->Connected() && !Connection->InTransaction()
+           && SecondConnectionSeesData(Connection->Database());
+}
+
+// The sum in a worker thread on a connection of its own, cloned from the dataset's (Qt's
+// connections belong to one thread). It starts from the event loop, so that whatever opened
+// the dataset (a grid showing its first rows) is not kept waiting even for a thread to start.
+bool TDataSetTotalsPrivate::StartJob(TADODataSet* DataSet)
+{
+    if (!CanSumInBackground(DataSet))
+        return false;
+    auto Job = std::make_shared<TJob>();
+    Job->Owner = q;
+    Job->Rows = DataSet->RowsIdentity();
+    Job->Columns = columns;
+    std::weak_ptr<TJob> Weak = Job;
+    Job->Done = [this, Weak](bool Ok, const QVariantList& Values) {
+        if (const std::shared_ptr<TJob> Current = Weak.lock())
+            JobDone(Current, Ok, Values);
+    };
+    job = Job;
+    QMetaObject::invokeMethod(q, [this, Weak] {
+        if (const std::shared_ptr<TJob> Current = Weak.lock(); Current && Current == job)
+            LaunchJob(Current);
+    }, Qt::QueuedConnection);
+    return true;
+}
+
+// The result counts if no row was written while it ran: a write on the dataset's
+// connection may or may not have been seen by it.
+void TDataSetTotalsPrivate::LaunchJob(const std::shared_ptr<TJob>& Job)
+{
+    auto* Ado = qobject_cast<TADODataSet*>(dataSet.data());
+    auto Aggregate = std::make_shared<TAggregate>();
+    if (!JobCurrent() || !CanSumInBackground(Ado) || !MakeAggregate(Ado, *Aggregate))
+        return Compute(false);
+    Job->WriteGeneration = writeGeneration;
+    const QString Source = Ado->Connection()->ConnectionName();
+    QThreadPool::globalInstance()->start([Job, Aggregate, Source] {
+        const QString Name = QStringLiteral("kesh-totals-%1").arg(++JobCounter);
+        bool Ok = false;
+        QVariantList Values;
+        {
+            QSqlDatabase Db = QSqlDatabase::cloneDatabase(Source, Name);
+            Ok = Db.open() && RunAggregate(Db, *Aggregate, Values);
+        }
+        QSqlDatabase::removeDatabase(Name);
+        QMutexLocker Locker(&Job->Lock);
+        if (Job->Owner)  // posted to the owner's thread; dropped with the owner
+            QMetaObject::invokeMethod(Job->Owner, [Job, Ok, Values] { Job->Done(Ok, Values); }, Qt::QueuedConnection);
+    });
+}
+
+bool TDataSetTotalsPrivate::JobCurrent() const
+{
+    return job && dataSet && dataSet->Active() && job->Rows == dataSet->RowsIdentity() && job->Columns == columns;
+}
+
+void TDataSetTotalsPrivate::DropJob()
+{
+    if (!job)
+        return;
+    QMutexLocker Locker(&job->Lock);
+    job->Owner = nullptr;
+    Locker.unlock();
+    job.reset();
+}
+
+void TDataSetTotalsPrivate::JobDone(const std::shared_ptr<TJob>& Job, bool Ok, const QVariantList& Values)
+{
+    if (Job != job)
+        return;
+    job.reset();
+    auto* Ado = qobject_cast<TADODataSet*>(dataSet.data());
+    if (!Ado || !Ado->Active() || Job->Rows != Ado->RowsIdentity() || Job->Columns != columns)
+        return q->Recalculate();
+    if (!Ok)
+        return Compute(false);  // on the dataset's connection, or from its rows
+    if (Job->WriteGeneration != writeGeneration)
+        return Compute(true);   // a write it may or may not have seen: again
+    std::vector<TExactSum> Sums(size_t(names.size()));
+    TAggregate Aggregate;
+    MakeAggregate(Ado, Aggregate);
+    TakeSums(Aggregate, Values, Sums);
+    Publish(std::move(Sums), true);
 }
 
 void TDataSetTotalsPrivate::Publish(std::vector<TExactSum> Sums, bool Ready)
@@ -356,6 +544,7 @@ void TDataSetTotalsPrivate::Publish(std::vector<TExactSum> Sums, bool Ready)
 
 void TDataSetTotalsPrivate::RowWritten(const TRecordValues& Old, const TRecordValues& New)
 {
+    ++writeGeneration;
     std::vector<TExactSum> Sums = sums;
     for (int i = 0; i < columns.size(); ++i) {
         const int C = columns[i];
@@ -374,6 +563,7 @@ TDataSetTotals::TDataSetTotals(QObject* Parent) : QObject(Parent), d(new TDataSe
 TDataSetTotals::~TDataSetTotals()
 {
     d->Unlink();
+    d->DropJob();
 }
 
 TDataSet* TDataSetTotals::DataSet() const { return d->dataSet; }
@@ -408,20 +598,32 @@ bool TDataSetTotals::Ready() const { return d->ready; }
 void TDataSetTotals::Recalculate()
 {
     d->ResolveColumns();
-    std::vector<TExactSum> Sums(size_t(d->names.size()));
-    TDataSet* DataSet = d->dataSet;
-    if (!DataSet || !DataSet->Active() || !d->HasColumns())
-        return d->Publish(std::move(Sums), true);
-    if (!DataSet->FetchedAll()) {
-        auto* Ado = qobject_cast<TADODataSet*>(DataSet);
-        if (Ado && Ado->Connection() && Ado->Connection()->Connected()
-            && d->SumOnServer(Ado, Ado->Connection()->Database(), Sums))
-            return d->Publish(std::move(Sums), true);
-        DataSet->FetchAll();
+    if (d->JobCurrent())
+        return;  // a sum of these rows from scratch is already running
+    d->Compute(true);
+}
+
+void TDataSetTotalsPrivate::Compute(bool InBackground)
+{
+    DropJob();
+    std::vector<TExactSum> Sums(size_t(names.size()));
+    if (!dataSet || !dataSet->Active() || !HasColumns())
+        return Publish(std::move(Sums), true);
+    if (!dataSet->FetchedAll()) {
+        auto* Ado = qobject_cast<TADODataSet*>(dataSet.data());
+        if (Ado && Ado->Connection() && Ado->Connection()->Connected()) {
+            if (InBackground && StartJob(Ado)) {
+                ready = false;  // the last known sums stay until the new ones come
+                return;
+            }
+            if (SumOnServer(Ado, Sums))
+                return Publish(std::move(Sums), true);
+        }
+        dataSet->FetchAll();  // no server to ask: read the rows, without the walk's events
         Sums.assign(Sums.size(), TExactSum());
     }
-    d->SumInMemory(Sums);
-    d->Publish(std::move(Sums), true);
+    SumInMemory(Sums);
+    Publish(std::move(Sums), true);
 }
 
 } // namespace Kesh

@@ -19,6 +19,8 @@ constexpr qint64 JulianDayOfZero = 2415019;
 constexpr qint64 FirstDay = -693593;
 constexpr qint64 LastDay = 2958465;
 
+QString Pad(int Value, int Width) { return QStringLiteral("%1").arg(Value, Width, 10, QLatin1Char('0')); }
+
 bool InCalendarRange(TDateTime Value)
 {
     return std::isfinite(Value) && Value > double(FirstDay - 1) && Value < double(LastDay + 1);
@@ -341,5 +343,112 @@ TDateTime QDateTimeToDateTime(const QDateTime& Value)
     const QDateTime Local = Value.toLocalTime();
     return Combine(DayOfQDate(Local.date()), double(Local.time().msecsSinceStartOfDay()) / double(MSecsPerDay));
 }
+
+QString FormatDateTime(const QString& Format, TDateTime Value)
+{
+    int Y, M, D, H, N, S, Z;
+    DecodeDate(Value, Y, M, D);
+    DecodeTime(Value, H, N, S, Z);
+    const bool Twelve = Format.contains(QLatin1String("am/pm"), Qt::CaseInsensitive)
+                        || Format.contains(QLatin1String("a/p"), Qt::CaseInsensitive)
+                        || Format.contains(QLatin1String("ampm"), Qt::CaseInsensitive);
+    const int Hour = Twelve ? (H % 12 == 0 ? 12 : H % 12) : H;
+    const QLocale Loc;
+    QString R;
+    bool AfterHour = false;
+    int i = 0;
+    auto Run = [&](QChar Ch) {
+        int j = i;
+        while (j < Format.size() && Format[j].toUpper() == Ch)
+            ++j;
+        return j - i;
+    };
+    while (i < Format.size()) {
+        const QChar C = Format[i];
+        const QChar U = C.toUpper();
+        if (C == QLatin1Char('"') || C == QLatin1Char('\'')) {
+            int j = Format.indexOf(C, i + 1);
+            if (j < 0)
+                j = Format.size();
+            R += Format.mid(i + 1, j - i - 1);
+            i = j + 1;
+            continue;
+        }
+        bool Hour_ = false;
+        if (U == QLatin1Char('D')) {
+            const int K = Run(U);
+            const QDate Dt(Y, M, D);  // invalid outside years 1..9999: names come out empty
+            if (K == 1) R += QString::number(D);
+            else if (K == 2) R += Pad(D, 2);
+            else if (K == 3) R += Loc.dayName(Dt.dayOfWeek(), QLocale::ShortFormat);
+            else if (K == 4) R += Loc.dayName(Dt.dayOfWeek(), QLocale::LongFormat);
+            else if (K == 5) R += Pad(Y, 4) + QLatin1Char('-') + Pad(M, 2) + QLatin1Char('-') + Pad(D, 2);
+            else R += Loc.toString(Dt, QLocale::LongFormat);
+            i += K;
+        } else if (U == QLatin1Char('M')) {
+            const int K = Run(U);
+            if (AfterHour && K <= 2) R += K == 1 ? QString::number(N) : Pad(N, 2);
+            else if (K == 1) R += QString::number(M);
+            else if (K == 2) R += Pad(M, 2);
+            else if (K == 3) R += Loc.monthName(M, QLocale::ShortFormat);
+            else R += Loc.monthName(M, QLocale::LongFormat);
+            i += K;
+        } else if (U == QLatin1Char('Y')) {
+            const int K = Run(U);
+            R += K <= 2 ? Pad(Y % 100, 2) : Pad(Y, 4);
+            i += K;
+        } else if (U == QLatin1Char('H')) {
+            const int K = Run(U);
+            R += K == 1 ? QString::number(Hour) : Pad(Hour, 2);
+            i += K;
+            Hour_ = true;
+        } else if (U == QLatin1Char('N')) {
+            const int K = Run(U);
+            R += K == 1 ? QString::number(N) : Pad(N, 2);
+            i += K;
+        } else if (U == QLatin1Char('S')) {
+            const int K = Run(U);
+            R += K == 1 ? QString::number(S) : Pad(S, 2);
+            i += K;
+        } else if (U == QLatin1Char('Z')) {
+            const int K = Run(U);
+            R += K >= 3 ? Pad(Z, 3) : QString::number(Z);
+            i += K;
+        } else if (U == QLatin1Char('A') && Format.mid(i, 5).compare(QLatin1String("am/pm"), Qt::CaseInsensitive) == 0) {
+            const QString T = H < 12 ? QStringLiteral("am") : QStringLiteral("pm");
+            R += Format[i].isUpper() ? T.toUpper() : T;
+            i += 5;
+        } else if (U == QLatin1Char('A') && Format.mid(i, 3).compare(QLatin1String("a/p"), Qt::CaseInsensitive) == 0) {
+            const QString T = H < 12 ? QStringLiteral("a") : QStringLiteral("p");
+            R += Format[i].isUpper() ? T.toUpper() : T;
+            i += 3;
+        } else if (U == QLatin1Char('A') && Format.mid(i, 4).compare(QLatin1String("ampm"), Qt::CaseInsensitive) == 0) {
+            R += H < 12 ? FormatSettings.TimeAMString : FormatSettings.TimePMString;
+            i += 4;
+        } else if (U == QLatin1Char('C')) {
+            R += FormatDateTime(QStringLiteral("yyyy-mm-dd"), Value);
+            if (H || N || S)
+                R += QLatin1Char(' ') + FormatDateTime(QStringLiteral("hh:nn:ss"), Value);
+            ++i;
+        } else if (U == QLatin1Char('T')) {
+            const int K = Run(U);
+            R += FormatDateTime(K == 1 ? QStringLiteral("hh:nn") : QStringLiteral("hh:nn:ss"), Value);
+            i += K;
+        } else {
+            // "/" and ":" stand for the separators of FormatSettings; other characters are copied.
+            if (C == QLatin1Char('/'))
+                R += FormatSettings.DateSeparator;
+            else if (C == QLatin1Char(':'))
+                R += FormatSettings.TimeSeparator;
+            else
+                R += C;
+            ++i;
+            continue;  // separators keep "after an hour" for "hh:mm"
+        }
+        AfterHour = Hour_;
+    }
+    return R;
+}
+
 
 } // namespace Kesh

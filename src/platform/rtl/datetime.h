@@ -52,6 +52,14 @@ KESH_EXPORT bool IsValidDate(int Year, int Month, int Day);
 KESH_EXPORT TDateTime Date();
 KESH_EXPORT TDateTime Now();
 
+/// The value as text by the classic pattern Format: d dd (day), ddd dddd (day name), m mm
+/// (month, or minutes right after an hour), mmm mmmm (month name), yy yyyy, h hh, n nn, s ss,
+/// z zzz, am/pm a/p (12-hour clock with that mark, in the pattern's case), ampm (12-hour with
+/// FormatSettings' strings), c, t tt, text in "double" or 'single' quotes as it stands; "/"
+/// and ":" give FormatSettings.DateSeparator and TimeSeparator. Values outside years
+/// 1..9999 give zeros for the date parts.
+KESH_EXPORT QString FormatDateTime(const QString& Format, TDateTime Value);
+
 /// Conversions in local time; an invalid or out-of-range value gives an invalid QDate or
 /// QDateTime, and an invalid QDate or QDateTime gives 0.
 KESH_EXPORT QDate DateTimeToQDate(TDateTime Value);

@@ -62,6 +62,20 @@ QString ToClassicTimeFormat(const QString& QtFormat)
     return Result.trimmed();
 }
 
+// The first character of a locale's date or time pattern that is neither a letter nor a blank
+// nor quoted text, or Default.
+QChar SeparatorOf(const QString& Pattern, QChar Default)
+{
+    bool Quoted = false;
+    for (const QChar C : Pattern) {
+        if (C == QLatin1Char('\''))
+            Quoted = !Quoted;
+        else if (!Quoted && !C.isLetter() && !C.isSpace())
+            return C;
+    }
+    return Default;
+}
+
 } // namespace
 
 TFormatSettings TFormatSettings::FromSystemLocale()
@@ -72,6 +86,8 @@ TFormatSettings TFormatSettings::FromSystemLocale()
     if (S.DecimalSeparator.isNull())
         S.DecimalSeparator = QLatin1Char('.');
     S.ThousandSeparator = FirstChar(Locale.groupSeparator());
+    S.DateSeparator = SeparatorOf(Locale.dateFormat(QLocale::ShortFormat), QLatin1Char('/'));
+    S.TimeSeparator = SeparatorOf(Locale.timeFormat(QLocale::ShortFormat), QLatin1Char(':'));
     S.TimeAMString = Locale.amText();
     S.TimePMString = Locale.pmText();
     S.ShortTimeFormat = ToClassicTimeFormat(Locale.timeFormat(QLocale::ShortFormat));

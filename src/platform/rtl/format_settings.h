@@ -10,6 +10,8 @@ struct KESH_EXPORT TFormatSettings
 {
     QChar DecimalSeparator;
     QChar ThousandSeparator;
+    QChar DateSeparator;  ///< what "/" in a FormatDateTime pattern gives
+    QChar TimeSeparator;  ///< what ":" in a FormatDateTime pattern gives
     QString TimeAMString;
     QString TimePMString;
     QString ShortTimeFormat;

@@ -1,0 +1,320 @@
+#include "db_edits.h"
+
+#include "db_guard_p.h"
+#include "integer_dates.h"
+#include "integer_fields.h"
+#include "platform/data/dataset.h"
+#include "platform/widgets.h"
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <algorithm>
+
+#if __has_include("Kesh_Form_Calendar.h")
+#include "Kesh_Form_Calendar.h"
+#define KESH_HAS_CALENDAR 1
+#endif
+
+namespace Kesh {
+
+namespace {
+
+// What may be typed into a field of this class: the integer date and time fields read
+// their own text, the numbers their digits.
+TxDataEntry EntryFor(const TField* Field)
+{
+    if (!Field || qobject_cast<const TQxDateField*>(Field) || qobject_cast<const TQxTimeField*>(Field))
+        return DeAnything;
+    switch (Field->DataType()) {
+    case ftSmallint: case ftInteger: case ftWord: case ftLargeint: case ftAutoInc:
+        return DeInteger;
+    case ftFloat: case ftCurrency: case ftBCD: case ftFMTBcd:
+        return DeFloat;
+    default:
+        return DeAnything;
+    }
+}
+
+// Keys that change the text of a line edit.
+bool ChangesText(const QKeyEvent* Event)
+{
+    const bool Command = (Event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) && !(Event->modifiers() & Qt::AltModifier);
+    if (!Command && !Event->text().isEmpty() && Event->text().at(0).unicode() >= 32)
+        return true;
+    return Event->key() == Qt::Key_Backspace || Event->key() == Qt::Key_Delete || Event->matches(QKeySequence::Paste)
+           || Event->matches(QKeySequence::Cut) || Event->matches(QKeySequence::Undo) || Event->matches(QKeySequence::Redo);
+}
+
+const QString ErrorMark = QStringLiteral("#Error#");
+
+} // namespace
+
+// ---- TxDataEdit
+
+template <class Base>
+TxDataEdit<Base>::TxDataEdit(QWidget* Parent) : Base(Parent), m_link(std::make_unique<TFieldDataLink>())
+{
+    m_link->SetControl(this);
+    m_link->OnDataChange = [this](TFieldDataLink*) {
+        FollowField();
+        ShowField();
+    };
+    m_link->OnActiveChange = [this](TFieldDataLink*) { FollowField(); };
+    m_link->OnEditingChange = [this](TFieldDataLink*) { FollowField(); };
+    m_link->OnUpdateData = [this](TFieldDataLink*) {
+        if (this->text() != ErrorMark)
+            Field()->SetText(this->text());
+    };
+    QObject::connect(this, &QLineEdit::textChanged, this, [this](const QString& Text) {
+        if (!m_showing)
+            m_link->Modified();
+        NotifyDataChanged(Text);
+    });
+    FollowField();
+}
+
+template <class Base>
+TxDataEdit<Base>::~TxDataEdit()
+{
+    m_link->OnDataChange = nullptr;
+    m_link->SetDataSource(nullptr);
+}
+
+template <class Base>
+QString TxDataEdit<Base>::GetDataField() const { return m_link->FieldName(); }
+
+template <class Base>
+void TxDataEdit<Base>::SetDataField(const QString& Value)
+{
+    m_link->SetFieldName(Value);
+    FollowField();
+    ShowField();
+}
+
+template <class Base>
+TDataSource* TxDataEdit<Base>::GetDataSource() const { return m_link->DataSource(); }
+
+template <class Base>
+void TxDataEdit<Base>::SetDataSource(TDataSource* Value)
+{
+    m_link->SetDataSource(Value);
+    FollowField();
+    ShowField();
+}
+
+template <class Base>
+bool TxDataEdit<Base>::GetReadOnly() const { return m_link->ReadOnly(); }
+
+template <class Base>
+void TxDataEdit<Base>::SetReadOnly(bool Value)
+{
+    m_link->SetReadOnly(Value);
+    FollowField();
+}
+
+template <class Base>
+TField* TxDataEdit<Base>::Field() const { return m_link->Field(); }
+
+template <class Base>
+void TxDataEdit<Base>::SetData(const QString& Value)
+{
+    if (Value == this->text() || !BeginEditing())
+        return;
+    this->setText(Value);
+}
+
+template <class Base>
+void TxDataEdit<Base>::FollowField()
+{
+    this->setReadOnly(!m_link->CanModify());
+    this->SetDataEntry(EntryFor(Field()));
+}
+
+template <class Base>
+void TxDataEdit<Base>::ShowField()
+{
+    QString Text;
+    if (TField* F = Field())
+        Text = this->hasFocus() && !this->isReadOnly() ? F->Text() : F->DisplayText();
+    m_showing = true;
+    if (Text != this->text())
+        this->setText(Text);
+    m_showing = false;
+}
+
+// Puts the dataset in edit mode before the text changes; the typed text survives the
+// new reading of the row that entering edit mode brings.
+template <class Base>
+bool TxDataEdit<Base>::BeginEditing()
+{
+    if (!Field())
+        return false;
+    if (m_link->Editing())
+        return true;
+    const QString Typed = this->text();
+    const bool Modified = m_link->IsModified();
+    const bool Editing = Guarded(this, [this] { m_link->Edit(); }) && m_link->Editing();
+    if (Editing && Modified && this->text() != Typed) {
+        this->setText(Typed);
+        m_link->Modified();
+    }
+    return Editing;
+}
+
+template <class Base>
+bool TxDataEdit<Base>::WriteField()
+{
+    if (!m_link->IsModified() || !Field())
+        return true;
+    if (this->text() == ErrorMark || !BeginEditing()) {
+        m_link->Reset();
+        return true;
+    }
+    return Guarded(this, [this] { m_link->UpdateRecord(); });
+}
+
+template <class Base>
+bool TxDataEdit<Base>::AcceptsChar(QChar C) const
+{
+    return Base::AcceptsChar(C) && (!Field() || Field()->IsValidChar(C));
+}
+
+// A typed character that the filter refuses: the base edit beeps, nothing is edited.
+template <class Base>
+bool TxDataEdit<Base>::Refused(const QKeyEvent* Event) const
+{
+    const QString Typed = Event->text();
+    return std::any_of(Typed.begin(), Typed.end(), [this](QChar C) { return C.unicode() >= 32 && !AcceptsChar(C); });
+}
+
+template <class Base>
+void TxDataEdit<Base>::DoExit()
+{
+    if (WriteField() && !m_link->IsModified())
+        ShowField();  // the display text again
+    emit this->Exit();
+}
+
+template <class Base>
+void TxDataEdit<Base>::keyPressEvent(QKeyEvent* Event)
+{
+    const int Key = Event->key();
+    if (Key == Qt::Key_Escape && m_link->IsModified()) {
+        m_link->Reset();
+        this->selectAll();
+        Event->accept();
+        return;
+    }
+    if (Key == Qt::Key_Return || Key == Qt::Key_Enter) {
+        if (!WriteField()) {
+            Event->accept();
+            return;
+        }
+    } else if (ChangesText(Event) && !this->isReadOnly() && !Refused(Event) && !BeginEditing()) {
+        Beep();
+        Event->accept();
+        return;
+    }
+    Base::keyPressEvent(Event);
+}
+
+template <class Base>
+void TxDataEdit<Base>::focusInEvent(QFocusEvent* Event)
+{
+    Base::focusInEvent(Event);
+    if (!m_link->IsModified())
+        ShowField();  // the edit text while editing
+}
+
+template <class Base>
+void TxDataEdit<Base>::changeEvent(QEvent* Event)
+{
+    Base::changeEvent(Event);
+    // A field may show itself differently in the other language (the time field's marks).
+    if (Event->type() == QEvent::LayoutDirectionChange && !m_link->IsModified())
+        ShowField();
+}
+
+template class TxDataEdit<TQxEdit>;
+template class TxDataEdit<TQxEditButton>;
+
+// ---- TQxdbEdit, TQxdbEditButton
+
+TQxdbEdit::TQxdbEdit(QWidget* Parent) : TxDataEdit<TQxEdit>(Parent) {}
+TQxdbEdit::~TQxdbEdit() = default;
+
+TQxdbEditButton::TQxdbEditButton(QWidget* Parent) : TxDataEdit<TQxEditButton>(Parent)
+{
+    _OnButtonClick = [this](QObject*) { Guarded(this, [this] { ButtonClicked(); }); };
+}
+
+TQxdbEditButton::~TQxdbEditButton() = default;
+
+void TQxdbEditButton::ButtonClicked()
+{
+    if (qobject_cast<TQxDateField*>(Field()))
+        PickDate();
+}
+
+void TQxdbEditButton::PickDate()
+{
+#ifdef KESH_HAS_CALENDAR
+    int Date = Field()->AsInteger();
+    if (SelectDate(Date, IsHijri(Date)))
+        SetData(TQxDateField::DateText(Date));
+#endif
+}
+
+// ---- TQxdbText
+
+TQxdbText::TQxdbText(QWidget* Parent) : TQxCustomLabel(Parent), m_link(std::make_unique<TFieldDataLink>())
+{
+    m_link->SetControl(this);
+    m_link->OnDataChange = [this](TFieldDataLink*) { ShowField(); };
+    m_link->OnActiveChange = [this](TFieldDataLink*) { ShowField(); };
+}
+
+TQxdbText::~TQxdbText()
+{
+    m_link->OnDataChange = nullptr;
+    m_link->OnActiveChange = nullptr;
+    m_link->SetDataSource(nullptr);
+}
+
+QString TQxdbText::GetDataField() const { return m_link->FieldName(); }
+
+void TQxdbText::SetDataField(const QString& Value)
+{
+    m_link->SetFieldName(Value);
+    ShowField();
+}
+
+TDataSource* TQxdbText::GetDataSource() const { return m_link->DataSource(); }
+
+void TQxdbText::SetDataSource(TDataSource* Value)
+{
+    m_link->SetDataSource(Value);
+    ShowField();
+}
+
+TField* TQxdbText::Field() const { return m_link->Field(); }
+
+QString TQxdbText::Data() const { return m_data; }
+
+void TQxdbText::ShowField()
+{
+    const QString Text = Field() ? Field()->DisplayText() : QString();
+    SetCaption(Text);
+    if (Text == m_data)
+        return;
+    m_data = Text;
+    emit DataChanged(m_data);
+}
+
+void TQxdbText::changeEvent(QEvent* Event)
+{
+    TQxCustomLabel::changeEvent(Event);
+    if (Event->type() == QEvent::LayoutDirectionChange)
+        ShowField();
+}
+
+} // namespace Kesh

@@ -1,0 +1,20 @@
+# Forms made in Designer, compiled by uic into the forms test.
+set_target_properties(tst_designer_forms PROPERTIES AUTOUIC ON
+  AUTOUIC_SEARCH_PATHS ${CMAKE_CURRENT_LIST_DIR}/forms)
+target_sources(tst_designer_forms PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/forms/customer_card.ui ${CMAKE_CURRENT_LIST_DIR}/bound_edit.h)
+target_include_directories(tst_designer_forms PRIVATE ${CMAKE_CURRENT_LIST_DIR})
+
+# The plugin itself, loaded as Designer loads it; its property sheet is compiled in too.
+if(TARGET kesh_designer)
+  find_package(Qt6 REQUIRED COMPONENTS Designer)
+  target_sources(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer/property_sheet.cpp)
+  target_include_directories(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer)
+  target_link_libraries(tst_designer_plugin PRIVATE Qt6::Designer)
+  target_compile_definitions(tst_designer_plugin PRIVATE
+    KESH_DESIGNER_PLUGIN="$<TARGET_FILE:kesh_designer>" KESH_UIC="$<TARGET_FILE:Qt6::uic>")
+  add_dependencies(tst_designer_plugin kesh_designer)
+else()
+  set_target_properties(tst_designer_plugin PROPERTIES EXCLUDE_FROM_ALL ON)
+  set_tests_properties(tst_designer_plugin PROPERTIES DISABLED ON)
+endif()
