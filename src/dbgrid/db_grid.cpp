@@ -381,7 +381,11 @@ void TQxCustomDBGrid::EndUpdate()
         setUpdatesEnabled(true);
 }
 
-void TQxCustomDBGrid::ColumnsChanged(bool) { LayoutChanged(); }
+void TQxCustomDBGrid::ColumnsChanged(bool)
+{
+    LayoutChanged();
+    Recalc();  // a column's _TotalValue may have changed
+}
 
 void TQxCustomDBGrid::LayoutChanged()
 {
