@@ -2,6 +2,8 @@
 #include "kesh_designer.h"
 
 #include "Kesh_Controls.h"
+#include "Kesh_dbControls.h"
+#include "Kesh_AdoDB.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -90,6 +92,23 @@ void DropListIcon(QPainter& P)
 {
     Box(P, QRectF(2, 9, 28, 14));
     Bilingual(P, QRectF(3, 9, 16, 14));
+    Button(P, QRectF(20, 10, 9, 12));
+    QPolygonF Arrow{QPointF(22, 14.5), QPointF(27, 14.5), QPointF(24.5, 18)};
+    P.setPen(Qt::NoPen);
+    P.setBrush(Ink);
+    P.drawPolygon(Arrow);
+}
+
+// A drop list filled from a table: a small grid of rows before the arrow.
+void TableDropListIcon(QPainter& P)
+{
+    Box(P, QRectF(2, 9, 28, 14));
+    P.setPen(QPen(Accent, 1));
+    P.setBrush(QColor(0xDC, 0xEA, 0xF8));
+    P.drawRect(QRectF(5, 11, 12, 10));
+    for (int Y : {14, 17})
+        P.drawLine(QPointF(5, Y + 0.5), QPointF(17, Y + 0.5));
+    P.drawLine(QPointF(9.5, 11), QPointF(9.5, 21));
     Button(P, QRectF(20, 10, 9, 12));
     QPolygonF Arrow{QPointF(22, 14.5), QPointF(27, 14.5), QPointF(24.5, 18)};
     P.setPen(Qt::NoPen);
@@ -186,6 +205,25 @@ void RadioGroupIcon(QPainter& P)
     }
 }
 
+// A data-aware component: its plain look with a small database drum at the lower right.
+std::function<void(QPainter&)> WithData(void (*Base)(QPainter&))
+{
+    return [Base](QPainter& P) {
+        P.save();
+        P.translate(0, -3);
+        P.scale(0.86, 0.86);
+        Base(P);
+        P.restore();
+        const QRectF Drum(20, 19, 11, 12);
+        P.setPen(QPen(QColor(0x10, 0x50, 0x20), 1));
+        P.setBrush(QColor(0x40, 0xB0, 0x50));
+        P.drawRect(QRectF(Drum.left(), Drum.top() + 2, Drum.width(), Drum.height() - 4));
+        P.drawEllipse(QRectF(Drum.left(), Drum.bottom() - 4, Drum.width(), 4));
+        P.setBrush(QColor(0x80, 0xE0, 0x90));
+        P.drawEllipse(QRectF(Drum.left(), Drum.top(), Drum.width(), 4));
+    };
+}
+
 template <class W>
 std::function<QWidget*(QWidget*)> Maker()
 {
@@ -198,6 +236,10 @@ const QList<TComponent>& Components()
 {
     static const char Controls[] = "Kesh_Controls";
     static const char ControlsHeader[] = "Kesh_Controls.h";
+    static const char Data[] = "Kesh_dbControls";
+    static const char DataHeader[] = "Kesh_dbControls.h";
+    static const char Ado[] = "Kesh_AdoDB";
+    static const char AdoHeader[] = "Kesh_AdoDB.h";
     static const QList<TComponent> List{
         {"Kesh::TQxEdit", Controls, ControlsHeader,
          "Data-entry edit: standard widths, Enter/Up/Down between fields, integer or number typing",
@@ -232,6 +274,41 @@ const QList<TComponent>& Components()
         {"Kesh::TQxRadioGroup", Controls, ControlsHeader,
          "Bilingual radio group: title and items in Arabic and English, laid out in columns",
          {185, 105}, false, Maker<Kesh::TQxRadioGroup>(), RadioGroupIcon},
+
+        {"Kesh::TQxdbEdit", Data, DataHeader,
+         "Data-aware edit: shows and writes one field of its data source",
+         {101, 21}, false, Maker<Kesh::TQxdbEdit>(), WithData(EditIcon)},
+        {"Kesh::TQxdbEditButton", Data, DataHeader,
+         "Data-aware edit with a \"...\" button",
+         {101, 21}, false, Maker<Kesh::TQxdbEditButton>(), WithData(EditButtonIcon)},
+        {"Kesh::TQxdbText", Data, DataHeader,
+         "Data-aware label: shows one field of its data source",
+         {101, 21}, false, Maker<Kesh::TQxdbText>(), WithData(LabelIcon)},
+        {"Kesh::TQxdbFixedDropList", Data, DataHeader,
+         "Data-aware fixed drop list: writes the key of the chosen caption into its field",
+         {101, 21}, false, Maker<Kesh::TQxdbFixedDropList>(), WithData(DropListIcon)},
+        {"Kesh::TQxdbCheckBox", Data, DataHeader,
+         "Data-aware check box: checked and unchecked values of its field",
+         {100, 16}, false, Maker<Kesh::TQxdbCheckBox>(), WithData(CheckBoxIcon)},
+        {"Kesh::TQxdbRadioGroup", Data, DataHeader,
+         "Data-aware radio group: one value of its field per item",
+         {185, 105}, false, Maker<Kesh::TQxdbRadioGroup>(), WithData(RadioGroupIcon)},
+        {"Kesh::TQxdbSpeedButton", Data, DataHeader,
+         "Dataset action on a tool-bar button: save, cancel, add, edit, delete, move, refresh",
+         {23, 22}, false, Maker<Kesh::TQxdbSpeedButton>(), WithData(SpeedButtonIcon)},
+        {"Kesh::TQxdbBitBtn", Data, DataHeader,
+         "Dataset action on a bilingual push button, enabled by the dataset's state",
+         {75, 25}, false, Maker<Kesh::TQxdbBitBtn>(), WithData(BitBtnIcon)},
+        {"Kesh::TQxdbIconButton", Data, DataHeader,
+         "Dataset action on a bilingual icon button",
+         {75, 25}, false, Maker<Kesh::TQxdbIconButton>(), WithData(IconButtonIcon)},
+
+        {"Kesh::TQxAdoDropList", Ado, AdoHeader,
+         "Drop list of a table's rows: the name in the user's language, the key as its value",
+         {101, 21}, false, Maker<Kesh::TQxAdoDropList>(), TableDropListIcon},
+        {"Kesh::TQxAdoLookupDropList", Ado, AdoHeader,
+         "Data-aware drop list of a table's rows: writes the chosen key into its field",
+         {101, 21}, false, Maker<Kesh::TQxAdoLookupDropList>(), WithData(TableDropListIcon)},
     };
     return List;
 }

@@ -8,6 +8,10 @@
 #include <climits>
 #include <QMetaProperty>
 #include <QPointer>
+#include <QTimer>
+#include <QWidget>
+#include <QtDesigner/QDesignerFormWindowCursorInterface>
+#include <QtDesigner/QDesignerFormWindowInterface>
 #include <QtDesigner/QExtensionFactory>
 #include <QtDesigner/QExtensionManager>
 
@@ -103,6 +107,48 @@ void TPropertySheet::setProperty(int Index, const QVariant& Value)
     // translation data): its sheet unwraps them and the library's conversions do the rest.
     const bool Plain = Value.metaType() == ToShown(Kind, m_base->property(Index)).metaType();
     m_base->setProperty(Index, Kind == TShownAs::Itself || !Plain ? Value : FromShown(Kind, Value, m_base->property(Index)));
+    const QString Name = m_base->propertyName(Index);
+    if (Name == QLatin1String("DataField") || Name == QLatin1String("_DataField"))
+        FollowField(m_object->property(Name.toLatin1().constData()).toString());
+}
+
+QString NameForField(const QObject* Object, const QObject* Root, const QString& Field)
+{
+    QString Bare = Field;
+    Bare.remove(QLatin1Char(' '));
+    if (Bare.isEmpty())
+        return QString();
+    for (const QString& Name : {QStringLiteral("x") + Bare, QStringLiteral("xx") + Bare}) {
+        if (Object->objectName() == Name)
+            return QString(); // already so
+        const QObject* Other = Root->objectName() == Name ? Root : Root->findChild<QObject*>(Name);
+        if (!Other || Other == Object)
+            return Name;
+    }
+    return QString();
+}
+
+void TPropertySheet::FollowField(const QString& Field)
+{
+    auto* Widget = qobject_cast<QWidget*>(m_object);
+    QDesignerFormWindowInterface* Form = Widget ? QDesignerFormWindowInterface::findFormWindow(Widget) : nullptr;
+    const QObject* Root = Form && Form->mainContainer() ? Form->mainContainer() : m_object;
+    while (!Form && Root->parent())
+        Root = Root->parent();
+    const QString Name = NameForField(m_object, Root, Field);
+    if (Name.isEmpty())
+        return;
+    if (!Form) {
+        m_base->setProperty(m_base->indexOf(QStringLiteral("objectName")), Name);
+        return;
+    }
+    // As the user's own renaming, once the field's change is done: it can be undone, and
+    // the object inspector follows.
+    QPointer<QWidget> Target(Widget);
+    QTimer::singleShot(0, Form, [Form, Target, Name] {
+        if (Target)
+            Form->cursor()->setWidgetProperty(Target, QStringLiteral("objectName"), Name);
+    });
 }
 
 namespace {

@@ -26,6 +26,11 @@ TShownAs ShownAs(const QMetaProperty& Property);
 QVariant ToShown(TShownAs Kind, const QVariant& Value);
 QVariant FromShown(TShownAs Kind, const QVariant& Shown, const QVariant& Current);
 
+/// The name a data-aware control takes at design time when its field is set: "x" and the
+/// field name without blanks, or "xx" and it when another object of Root has that name;
+/// empty when both are taken (the name stays) or when the object has that name already.
+QString NameForField(const QObject* Object, const QObject* Root, const QString& Field);
+
 /// Designer's own sheet of a Kesh component, with the library's value types translated.
 class TPropertySheet : public QObject, public QDesignerPropertySheetExtension
 {
@@ -54,6 +59,8 @@ public:
 
 private:
     TShownAs KindOf(int Index) const;
+    /// A data-aware control takes the name of its field (see NameForField).
+    void FollowField(const QString& Field);
 
     QObject* m_object;
     QDesignerPropertySheetExtension* m_base;

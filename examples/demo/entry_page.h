@@ -16,8 +16,6 @@ class TQxSpeedButton;
 class TQxTimeEdit;
 } // namespace Kesh
 
-class QGridLayout;
-
 class EntryPage : public DemoPage
 {
     Q_OBJECT
@@ -33,11 +31,7 @@ public:
     void Clear();
 
 private:
-    void BuildHeader();
-    void BuildForm(QGridLayout* Grid);
-    void BuildButtons();
     void FillSample();
-    void SetTabOrder();
     void UpdateTotal();
     long double LineTotal() const;
     int TypedTime() const;

@@ -1,6 +1,8 @@
 // Kesh for Qt — the Arabic and English caption and font that bilingual classes carry.
 #include "bi_caption.h"
 
+#include <utility>
+
 namespace Kesh {
 
 bool TBiCaption::Pick(TBiDiMode Mode, QString& Caption, TFont& Font) const
@@ -58,6 +60,20 @@ bool TxBilingual::ApplyBiCaption()
     ShowBiCaption(Caption);
     ShowBiFont(Font);
     return true;
+}
+
+void TxBilingual::BiDirectionChanged(bool Loading)
+{
+    if (Loading)
+        m_languagePending = true;
+    else
+        ApplyBiLanguage();
+}
+
+void TxBilingual::BiLoaded()
+{
+    if (std::exchange(m_languagePending, false))
+        ApplyBiLanguage();
 }
 
 } // namespace Kesh

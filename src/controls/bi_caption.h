@@ -80,9 +80,19 @@ protected:
     /// Stores both fonts without showing them (creation defaults).
     void InitBiFonts(const TFont& Font) { m_bi.FontA = m_bi.FontE = Font; }
 
+    /// Shows every bilingual member in the current language; by default ApplyBiCaption().
+    /// A class with more pairs (item lists) shows them too.
+    virtual void ApplyBiLanguage() { ApplyBiCaption(); }
+    /// The host's direction changed: ApplyBiLanguage() now, or at BiLoaded() while the
+    /// host is still being built (Loading).
+    void BiDirectionChanged(bool Loading);
+    /// The host finished building: applies a direction change met meanwhile.
+    void BiLoaded();
+
 private:
     bool ShowsArabic() const { return BiLanguage() == bdRightToLeft; }
     TBiCaption m_bi;
+    bool m_languagePending = false;
 };
 
 } // namespace Kesh

@@ -18,6 +18,15 @@ namespace Kesh {
 
 struct TxBiButtonData;
 
+/// The published properties of a TxBiButton, for the Q_OBJECT section of each button class.
+#define KESH_BI_BUTTON_PROPERTIES \
+    Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey) \
+    KESH_BILINGUAL_PROPERTIES \
+    Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA) \
+    Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE) \
+    Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu) \
+    Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ GetBiDiMode WRITE SetBiDiMode)
+
 /// What the bilingual buttons share, over the Qt button class Base.
 ///
 /// The button shows the caption, font and hint of its reading direction: Arabic under right to
@@ -87,12 +96,7 @@ extern template class KESH_EXPORT TxBiButton<QPushButton>;
 class KESH_EXPORT TQxSpeedButton : public TxBiButton<QToolButton>
 {
     Q_OBJECT
-    Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    KESH_BILINGUAL_PROPERTIES
-    Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
-    Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
-    Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
-    Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ GetBiDiMode WRITE SetBiDiMode)
+    KESH_BI_BUTTON_PROPERTIES
 
 public:
     explicit TQxSpeedButton(QWidget* Parent = nullptr);
@@ -106,12 +110,7 @@ public:
 class KESH_EXPORT TQxBitBtn : public TxBiButton<QPushButton>
 {
     Q_OBJECT
-    Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    KESH_BILINGUAL_PROPERTIES
-    Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
-    Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
-    Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
-    Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ GetBiDiMode WRITE SetBiDiMode)
+    KESH_BI_BUTTON_PROPERTIES
 
 public:
     explicit TQxBitBtn(QWidget* Parent = nullptr);
@@ -123,12 +122,7 @@ public:
 class KESH_EXPORT TQxIconButton : public TxBiButton<QPushButton>
 {
     Q_OBJECT
-    Q_PROPERTY(QKeySequence _HotKey READ GetHotKey WRITE SetHotKey)
-    KESH_BILINGUAL_PROPERTIES
-    Q_PROPERTY(QString _Hint_a READ GetHint_a WRITE SetHintA)
-    Q_PROPERTY(QString _Hint_e READ GetHint_e WRITE SetHintE)
-    Q_PROPERTY(QMenu* PopupMenu READ GetPopupMenu WRITE SetPopupMenu)
-    Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ GetBiDiMode WRITE SetBiDiMode)
+    KESH_BI_BUTTON_PROPERTIES
 
 public:
     explicit TQxIconButton(QWidget* Parent = nullptr);

@@ -12,21 +12,18 @@
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <QSvgRenderer>
-#include <utility>
 
 namespace Kesh {
 
 struct TQxCheckBoxPrivate
 {
-    bool LanguagePending = false;
     TFont Font;
-    TxTextLook Look{TxNormal, clGray, 1};
     TxCheckBoxStyles Style = cbsStyle_1;
     // The linked control belongs to the form; it may go first.
     QPointer<QWidget> Control;
 };
 
-TQxCheckBox::TQxCheckBox(QWidget* Parent) : QAbstractButton(Parent), d(new TQxCheckBoxPrivate)
+TQxCheckBox::TQxCheckBox(QWidget* Parent) : QAbstractButton(Parent), TxStyledCaption(1), d(new TQxCheckBoxPrivate)
 {
     setCheckable(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -77,35 +74,6 @@ void TQxCheckBox::SetStyle(TxCheckBoxStyles Value)
     }
 }
 
-TxTextStyle TQxCheckBox::GetTextStyle() const { return d->Look.Style; }
-
-void TQxCheckBox::SetTextStyle(TxTextStyle Value)
-{
-    if (d->Look.Style != Value) {
-        d->Look.Style = Value;
-        update();
-    }
-}
-
-TColor TQxCheckBox::GetTextShade() const { return d->Look.Shade; }
-
-void TQxCheckBox::SetTextShade(TColor Value)
-{
-    if (d->Look.Shade != Value) {
-        d->Look.Shade = Value;
-        update();
-    }
-}
-
-int TQxCheckBox::GetTextShadowPos() const { return d->Look.ShadowPos; }
-
-void TQxCheckBox::SetTextShadowPos(int Value)
-{
-    if (d->Look.ShadowPos != Value) {
-        d->Look.ShadowPos = Value;
-        update();
-    }
-}
 
 QString TQxCheckBox::GlyphName() const
 {
@@ -151,9 +119,7 @@ QSize TQxCheckBox::sizeHint() const
 
 void TQxCheckBox::Loaded()
 {
-    // A direction change met while loading was put off until now.
-    if (std::exchange(d->LanguagePending, false))
-        ApplyBiCaption();
+    BiLoaded();
 }
 
 bool TQxCheckBox::event(QEvent* Event)
@@ -166,12 +132,8 @@ bool TQxCheckBox::event(QEvent* Event)
 void TQxCheckBox::changeEvent(QEvent* Event)
 {
     QAbstractButton::changeEvent(Event);
-    if (Event->type() == QEvent::LayoutDirectionChange) {
-        if (IsLoading())
-            d->LanguagePending = true;
-        else
-            ApplyBiCaption();
-    }
+    if (Event->type() == QEvent::LayoutDirectionChange)
+        BiDirectionChanged(IsLoading());
 }
 
 void TQxCheckBox::paintEvent(QPaintEvent*)
@@ -183,7 +145,7 @@ void TQxCheckBox::paintEvent(QPaintEvent*)
     // The side is fixed here, not left to Qt's mirroring of the alignment.
     const int Flags = Qt::AlignAbsolute | (RightToLeft ? Qt::AlignRight : Qt::AlignLeft)
         | Qt::AlignVCenter | Qt::TextWordWrap;
-    DrawStyledText(&Painter, Text, Flags, text(), d->Font, d->Look, isEnabled());
+    DrawStyledText(&Painter, Text, Flags, text(), d->Font, TextLook(), isEnabled());
 
     QSvgRenderer Glyph(GlyphFile(GlyphName()));
     if (Glyph.isValid())

@@ -19,7 +19,7 @@ using namespace CheckBoxStyles;
 /// A bilingual check box: a 16×16 glyph of the chosen set at the top edge on the reading
 /// side, the caption beside it in the label's text styles, and an optional linked control
 /// whose Enabled always equals Checked. Enter moves the focus on, Space clicks.
-class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable, public TxBilingual
+class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable, public TxBilingual, public TxStyledCaption
 {
     Q_OBJECT
     Q_PROPERTY(bool Checked READ GetChecked WRITE SetChecked USER true)
@@ -28,9 +28,7 @@ class KESH_EXPORT TQxCheckBox : public QAbstractButton, public TLoadable, public
     KESH_BILINGUAL_PROPERTIES
     Q_PROPERTY(QWidget* _Control READ GetControl WRITE SetControl)
     Q_PROPERTY(Kesh::CheckBoxStyles::TxCheckBoxStyles _Style READ GetStyle WRITE SetStyle)
-    Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)
-    Q_PROPERTY(quint32 _TextShade READ GetTextShade WRITE SetTextShade)
-    Q_PROPERTY(int _TextShadowPos READ GetTextShadowPos WRITE SetTextShadowPos)
+    KESH_TEXT_LOOK_PROPERTIES
     Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ BiDiMode WRITE SetBiDiMode)
 
 public:
@@ -60,14 +58,6 @@ public:
 
     TxCheckBoxStyles GetStyle() const;
     void SetStyle(TxCheckBoxStyles Value);
-    TxTextStyle GetTextStyle() const;
-    void SetTextStyle(TxTextStyle Value);
-    /// Colour of the caption's shade copy ($808080).
-    TColor GetTextShade() const;
-    void SetTextShade(TColor Value);
-    /// Offset of the TxShadow copy in pixels (1).
-    int GetTextShadowPos() const;
-    void SetTextShadowPos(int Value);
 
     TBiDiMode BiDiMode() const { return BiDiModeOf(this); }
     void SetBiDiMode(TBiDiMode Value) { SetBiDiModeOf(this, Value); }
@@ -93,6 +83,7 @@ protected:
     void nextCheckState() override;
 
 private:
+    void TextLookChanged() override { update(); }
     TBiDiMode BiLanguage() const override;
     void ShowBiCaption(const QString& Caption) override;
     void ShowBiFont(const TFont& Font) override;

@@ -10,7 +10,6 @@
 #include <QPointer>
 #include <QShortcutEvent>
 #include <QWindow>
-#include <utility>
 
 namespace Kesh {
 
@@ -42,10 +41,8 @@ void DrawStyledText(QPainter* Canvas, const QRect& Rect, int Flags, const QStrin
 
 struct TQxCustomLabelPrivate
 {
-    bool LanguagePending = false;
     QString Caption;
     TFont Font;
-    TxTextLook Look{TxNormal, clGray, 2};
     bool Rectangle = false;
     TColor RectColor = clBlack;
     Qt::PenStyle RectStyle = Qt::SolidLine;
@@ -64,7 +61,31 @@ struct TQxCustomLabelPrivate
     QPoint DragOffset;
 };
 
-TQxCustomLabel::TQxCustomLabel(QWidget* Parent) : QWidget(Parent), d(new TQxCustomLabelPrivate)
+void TxStyledCaption::SetTextStyle(TxTextStyle Value)
+{
+    if (m_look.Style != Value) {
+        m_look.Style = Value;
+        TextLookChanged();
+    }
+}
+
+void TxStyledCaption::SetTextShade(TColor Value)
+{
+    if (m_look.Shade != Value) {
+        m_look.Shade = Value;
+        TextLookChanged();
+    }
+}
+
+void TxStyledCaption::SetTextShadowPos(int Value)
+{
+    if (m_look.ShadowPos != Value) {
+        m_look.ShadowPos = Value;
+        TextLookChanged();
+    }
+}
+
+TQxCustomLabel::TQxCustomLabel(QWidget* Parent) : QWidget(Parent), TxStyledCaption(2), d(new TQxCustomLabelPrivate)
 {
     // The caption fonts copy the font the label starts with, before its own defaults.
     InitBiFonts(FontOf(this));
@@ -102,35 +123,6 @@ void TQxCustomLabel::SetFont(const TFont& Value)
     Changed();
 }
 
-TxTextStyle TQxCustomLabel::GetTextStyle() const { return d->Look.Style; }
-
-void TQxCustomLabel::SetTextStyle(TxTextStyle Value)
-{
-    if (d->Look.Style != Value) {
-        d->Look.Style = Value;
-        update();
-    }
-}
-
-TColor TQxCustomLabel::GetTextShade() const { return d->Look.Shade; }
-
-void TQxCustomLabel::SetTextShade(TColor Value)
-{
-    if (d->Look.Shade != Value) {
-        d->Look.Shade = Value;
-        update();
-    }
-}
-
-int TQxCustomLabel::GetTextShadowPos() const { return d->Look.ShadowPos; }
-
-void TQxCustomLabel::SetTextShadowPos(int Value)
-{
-    if (d->Look.ShadowPos != Value) {
-        d->Look.ShadowPos = Value;
-        update();
-    }
-}
 
 bool TQxCustomLabel::GetRectangle() const { return d->Rectangle; }
 
@@ -259,9 +251,7 @@ QSize TQxCustomLabel::minimumSizeHint() const
 
 void TQxCustomLabel::Loaded()
 {
-    // A direction change met while loading was put off until now.
-    if (std::exchange(d->LanguagePending, false))
-        ApplyBiCaption();
+    BiLoaded();
     AdjustBounds();
 }
 
@@ -291,10 +281,7 @@ void TQxCustomLabel::changeEvent(QEvent* Event)
     QWidget::changeEvent(Event);
     switch (Event->type()) {
     case QEvent::LayoutDirectionChange:
-        if (IsLoading())
-            d->LanguagePending = true;
-        else
-            ApplyBiCaption();
+        BiDirectionChanged(IsLoading());
         Changed();
         break;
     case QEvent::EnabledChange:
@@ -316,7 +303,7 @@ void TQxCustomLabel::paintEvent(QPaintEvent*)
         Painter.setBrush(Qt::NoBrush);
         Painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
-    DrawStyledText(&Painter, rect(), TextFlags(), d->Caption, d->Font, d->Look, isEnabled());
+    DrawStyledText(&Painter, rect(), TextFlags(), d->Caption, d->Font, TextLook(), isEnabled());
 }
 
 void TQxCustomLabel::mousePressEvent(QMouseEvent* Event)

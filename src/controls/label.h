@@ -36,6 +36,36 @@ struct TxTextLook
     int ShadowPos = 1;
 };
 
+/// The published look of a styled caption, for the Q_OBJECT section of a TxStyledCaption.
+#define KESH_TEXT_LOOK_PROPERTIES \
+    Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle) \
+    Q_PROPERTY(quint32 _TextShade READ GetTextShade WRITE SetTextShade) \
+    Q_PROPERTY(int _TextShadowPos READ GetTextShadowPos WRITE SetTextShadowPos)
+
+/// What the controls that draw a styled caption share: the accessors of its look. A
+/// change repaints through TextLookChanged().
+class KESH_EXPORT TxStyledCaption
+{
+public:
+    TxTextStyle GetTextStyle() const { return m_look.Style; }
+    void SetTextStyle(TxTextStyle Value);
+    /// Colour of the shade copy of Tx3D and TxShadow ($808080).
+    TColor GetTextShade() const { return m_look.Shade; }
+    void SetTextShade(TColor Value);
+    /// Offset right and down of the TxShadow copy, in pixels.
+    int GetTextShadowPos() const { return m_look.ShadowPos; }
+    void SetTextShadowPos(int Value);
+
+protected:
+    explicit TxStyledCaption(int ShadowPos) { m_look.ShadowPos = ShadowPos; }
+    virtual ~TxStyledCaption() = default;
+    const TxTextLook& TextLook() const { return m_look; }
+    virtual void TextLookChanged() = 0;
+
+private:
+    TxTextLook m_look;
+};
+
 /// Draws Text into Rect with the QPainter text Flags (alignment, Qt::TextWordWrap,
 /// Qt::TextShowMnemonic ...) in Font. Enabled: the copies of Look's style, then the text in
 /// Font's colour in Rect itself. Disabled, whatever the style: the engraved look, the text in
@@ -47,15 +77,13 @@ KESH_EXPORT void DrawStyledText(QPainter* Canvas, const QRect& Rect, int Flags, 
 /// A bilingual static text that paints itself: an Arabic and an English caption with a font
 /// each, shown by the label's reading direction, drawn plain, embossed or shadowed, on an
 /// opaque or transparent background with an optional frame.
-class KESH_EXPORT TQxCustomLabel : public QWidget, public TLoadable, public TxBilingual
+class KESH_EXPORT TQxCustomLabel : public QWidget, public TLoadable, public TxBilingual, public TxStyledCaption
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
     Q_PROPERTY(Kesh::TFont Font READ GetFont WRITE SetFont)
     KESH_BILINGUAL_PROPERTIES
-    Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)
-    Q_PROPERTY(quint32 _TextShade READ GetTextShade WRITE SetTextShade)
-    Q_PROPERTY(int _TextShadowPos READ GetTextShadowPos WRITE SetTextShadowPos)
+    KESH_TEXT_LOOK_PROPERTIES
     Q_PROPERTY(bool _Rectangle READ GetRectangle WRITE SetRectangle)
     Q_PROPERTY(quint32 _RectColor READ GetRectColor WRITE SetRectColor)
     Q_PROPERTY(Qt::PenStyle _RectStyle READ GetRectStyle WRITE SetRectStyle)
@@ -85,14 +113,6 @@ public:
     TFont GetFont() const;
     void SetFont(const TFont& Value);
 
-    TxTextStyle GetTextStyle() const;
-    void SetTextStyle(TxTextStyle Value);
-    /// Colour of the shade copy of Tx3D and TxShadow ($808080).
-    TColor GetTextShade() const;
-    void SetTextShade(TColor Value);
-    /// Offset right and down of the TxShadow copy, in pixels (2).
-    int GetTextShadowPos() const;
-    void SetTextShadowPos(int Value);
 
     /// A frame round the client area in _RectColor and _RectStyle.
     bool GetRectangle() const;
@@ -158,6 +178,7 @@ protected:
     void leaveEvent(QEvent* Event) override;
 
 private:
+    void TextLookChanged() override { update(); }
     TBiDiMode BiLanguage() const override;
     void ShowBiCaption(const QString& Caption) override;
     void ShowBiFont(const TFont& Font) override;

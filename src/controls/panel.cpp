@@ -3,16 +3,13 @@
 #include "accessibility_p.h"
 
 #include <QPainter>
-#include <utility>
 
 namespace Kesh {
 
 struct TQxCustomPanelPrivate
 {
-    bool LanguagePending = false;
     QString Caption;
     TFont Font;
-    TxTextLook Look{TxNormal, clGray, 2};
     bool GradFill = false;
     TColor ColorFrom = clWhite;
     TColor ColorTo = clBtnFace;
@@ -21,7 +18,7 @@ struct TQxCustomPanelPrivate
     Qt::Alignment Alignment = Qt::AlignHCenter;
 };
 
-TQxCustomPanel::TQxCustomPanel(QWidget* Parent) : QFrame(Parent), d(new TQxCustomPanelPrivate)
+TQxCustomPanel::TQxCustomPanel(QWidget* Parent) : QFrame(Parent), TxStyledCaption(2), d(new TQxCustomPanelPrivate)
 {
     setFrameStyle(QFrame::Panel | QFrame::Raised);
     setLineWidth(1);
@@ -93,35 +90,6 @@ void TQxCustomPanel::SetDirection(TxGradDir Value)
     }
 }
 
-TxTextStyle TQxCustomPanel::GetTextStyle() const { return d->Look.Style; }
-
-void TQxCustomPanel::SetTextStyle(TxTextStyle Value)
-{
-    if (d->Look.Style != Value) {
-        d->Look.Style = Value;
-        update();
-    }
-}
-
-TColor TQxCustomPanel::GetTextShade() const { return d->Look.Shade; }
-
-void TQxCustomPanel::SetTextShade(TColor Value)
-{
-    if (d->Look.Shade != Value) {
-        d->Look.Shade = Value;
-        update();
-    }
-}
-
-int TQxCustomPanel::GetTextShadowPos() const { return d->Look.ShadowPos; }
-
-void TQxCustomPanel::SetTextShadowPos(int Value)
-{
-    if (d->Look.ShadowPos != Value) {
-        d->Look.ShadowPos = Value;
-        update();
-    }
-}
 
 TColor TQxCustomPanel::GetColor() const { return d->Color; }
 
@@ -146,9 +114,7 @@ void TQxCustomPanel::SetAlignment(Qt::Alignment Value)
 
 void TQxCustomPanel::Loaded()
 {
-    // A direction change met while loading was put off until now.
-    if (std::exchange(d->LanguagePending, false))
-        ApplyBiCaption();
+    BiLoaded();
 }
 
 bool TQxCustomPanel::event(QEvent* Event)
@@ -161,12 +127,8 @@ bool TQxCustomPanel::event(QEvent* Event)
 void TQxCustomPanel::changeEvent(QEvent* Event)
 {
     QFrame::changeEvent(Event);
-    if (Event->type() == QEvent::LayoutDirectionChange) {
-        if (IsLoading())
-            d->LanguagePending = true;
-        else
-            ApplyBiCaption();
-    } else if (Event->type() == QEvent::EnabledChange) {
+    if (Event->type() == QEvent::LayoutDirectionChange)
+        BiDirectionChanged(IsLoading()); else if (Event->type() == QEvent::EnabledChange) {
         update();
     }
 }
@@ -186,7 +148,7 @@ void TQxCustomPanel::paintEvent(QPaintEvent*)
     }
     drawFrame(&Painter);
     const int Flags = int(d->Alignment) | Qt::AlignVCenter | Qt::TextShowMnemonic;
-    DrawStyledText(&Painter, Face, Flags, d->Caption, d->Font, d->Look, isEnabled());
+    DrawStyledText(&Painter, Face, Flags, d->Caption, d->Font, TextLook(), isEnabled());
 }
 
 TBiDiMode TQxCustomPanel::BiLanguage() const { return BiDiMode(); }

@@ -10,7 +10,7 @@ namespace Kesh {
 
 /// A raised frame that paints its face in Color or, with _GradFill, as a gradient from
 /// _ColorFrom to _ColorTo, and shows a bilingual caption in the label's text styles.
-class KESH_EXPORT TQxCustomPanel : public QFrame, public TLoadable, public TxBilingual
+class KESH_EXPORT TQxCustomPanel : public QFrame, public TLoadable, public TxBilingual, public TxStyledCaption
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
@@ -20,9 +20,7 @@ class KESH_EXPORT TQxCustomPanel : public QFrame, public TLoadable, public TxBil
     Q_PROPERTY(quint32 _ColorFrom READ GetColorFrom WRITE SetColorFrom)
     Q_PROPERTY(quint32 _ColorTo READ GetColorTo WRITE SetColorTo)
     Q_PROPERTY(Kesh::Colors::TxGradDir _Direction READ GetDirection WRITE SetDirection)
-    Q_PROPERTY(Kesh::TextStyles::TxTextStyle _TextStyle READ GetTextStyle WRITE SetTextStyle)
-    Q_PROPERTY(quint32 _TextShade READ GetTextShade WRITE SetTextShade)
-    Q_PROPERTY(int _TextShadowPos READ GetTextShadowPos WRITE SetTextShadowPos)
+    KESH_TEXT_LOOK_PROPERTIES
     Q_PROPERTY(quint32 Color READ GetColor WRITE SetColor)
     Q_PROPERTY(Qt::Alignment Alignment READ GetAlignment WRITE SetAlignment)
     Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ BiDiMode WRITE SetBiDiMode)
@@ -53,14 +51,6 @@ public:
     TxGradDir GetDirection() const;
     void SetDirection(TxGradDir Value);
 
-    TxTextStyle GetTextStyle() const;
-    void SetTextStyle(TxTextStyle Value);
-    /// Colour of the caption's shade copy ($808080).
-    TColor GetTextShade() const;
-    void SetTextShade(TColor Value);
-    /// Offset of the TxShadow copy in pixels (2).
-    int GetTextShadowPos() const;
-    void SetTextShadowPos(int Value);
 
     /// Face colour without a gradient (clBtnFace).
     TColor GetColor() const;
@@ -79,6 +69,7 @@ protected:
     void paintEvent(QPaintEvent* Event) override;
 
 private:
+    void TextLookChanged() override { update(); }
     TBiDiMode BiLanguage() const override;
     void ShowBiCaption(const QString& Caption) override;
     void ShowBiFont(const TFont& Font) override;

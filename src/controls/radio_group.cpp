@@ -5,13 +5,11 @@
 #include <QButtonGroup>
 #include <QGridLayout>
 #include <QRadioButton>
-#include <utility>
 
 namespace Kesh {
 
 struct TQxRadioGroupPrivate
 {
-    bool LanguagePending = false;
     QStringList ItemsA;
     QStringList ItemsE;
     QStringList Items;
@@ -120,9 +118,7 @@ QRadioButton* TQxRadioGroup::Button(int Index) const
 
 void TQxRadioGroup::Loaded()
 {
-    // A direction change met while loading was put off until now.
-    if (std::exchange(d->LanguagePending, false))
-        ApplyLanguage();
+    BiLoaded();
 }
 
 bool TQxRadioGroup::event(QEvent* Event)
@@ -135,15 +131,11 @@ bool TQxRadioGroup::event(QEvent* Event)
 void TQxRadioGroup::changeEvent(QEvent* Event)
 {
     QGroupBox::changeEvent(Event);
-    if (Event->type() == QEvent::LayoutDirectionChange) {
-        if (IsLoading())
-            d->LanguagePending = true;
-        else
-            ApplyLanguage();
-    }
+    if (Event->type() == QEvent::LayoutDirectionChange)
+        BiDirectionChanged(IsLoading());
 }
 
-void TQxRadioGroup::ApplyLanguage()
+void TQxRadioGroup::ApplyBiLanguage()
 {
     ApplyBiCaption();
     // As with the title, a language without items leaves the shown ones in place.

@@ -74,7 +74,7 @@ private:
     TBiDiMode BiLanguage() const override;
     void ShowBiCaption(const QString& Caption) override;
     void ShowBiFont(const TFont& Font) override;
-    void ApplyLanguage();
+    void ApplyBiLanguage() override;
     void BuildButtons();
     void PlaceButtons();
     void ShowItemIndex();

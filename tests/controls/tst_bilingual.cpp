@@ -99,6 +99,41 @@ private Q_SLOTS:
         QCOMPARE(c.Caption(), QStringLiteral("x"));
         QCOMPARE(c.Control->font().family(), rightToLeft ? QStringLiteral("Courier") : QStringLiteral("Arial"));
     }
+
+    // The controls that draw a styled caption publish its look, each with its own shadow
+    // offset, and repaint it: a shadowed caption shows its shade copy.
+    void styledCaptionLook_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<int>("shadowPos");
+        QTest::newRow("label") << "label" << 2;
+        QTest::newRow("check box") << "check box" << 1;
+        QTest::newRow("panel") << "panel" << 2;
+    }
+    void styledCaptionLook()
+    {
+        QFETCH(QString, kind);
+        QWidget Form;
+        const TShown c = Make(kind, &Form);
+        QTEST(c.Control->property("_TextShadowPos").toInt(), "shadowPos");
+        QCOMPARE(c.Control->property("_TextShade").toUInt(), quint32(clGray));
+        c.Control->setProperty("_Caption_e", QStringLiteral("WWWW"));
+        c.Control->resize(120, 24);
+        const QImage Plain = c.Control->grab().toImage();
+        QVERIFY(c.Control->setProperty("_TextStyle", QVariant::fromValue(TxShadow)));
+        QVERIFY(c.Control->setProperty("_TextShade", quint32(0x0000FF))); // red
+        QVERIFY(c.Control->setProperty("_TextShadowPos", 3));
+        const QImage Shadowed = c.Control->grab().toImage();
+        auto Reds = [](const QImage& I) {
+            int n = 0;
+            for (int y = 0; y < I.height(); ++y)
+                for (int x = 0; x < I.width(); ++x)
+                    n += qRed(I.pixel(x, y)) > 160 && qGreen(I.pixel(x, y)) < 110 && qBlue(I.pixel(x, y)) < 110;
+            return n;
+        };
+        QCOMPARE(Reds(Plain), 0);
+        QVERIFY(Reds(Shadowed) > 10);
+    }
 };
 
 QTEST_MAIN(TestBilingual)

@@ -3,7 +3,8 @@
 // objects it names (data sources created in code, controls of the form).
 #include "Kesh.h"
 #include "Kesh_Controls.h"
-#include "bound_edit.h"
+#include "Kesh_AdoDB.h"
+#include "Kesh_dbControls.h"
 #include "db_test_helper.h"
 #include "dialog_helper.h"
 #include "platform/data/ado_dataset.h"
@@ -22,11 +23,15 @@ struct TCard
     QWidget Form;
     Ui::CustomerCard Ui;
     TDataSource* Source;
+    TADOConnection* Connection;
     explicit TCard(const QString& SourceName = QStringLiteral("dsCustomers"))
     {
         Source = new TDataSource(&Form);
         Source->setObjectName(SourceName);
+        Connection = new TADOConnection(&Form); // the drop list names it
+        Connection->setObjectName(QStringLiteral("dbMain"));
         Ui.setupUi(&Form);
+
     }
     TQxForm* Manager() const { return Form.findChild<TQxForm*>(); }
 };
@@ -191,7 +196,9 @@ private Q_SLOTS:
         QVERIFY(!Card.Ui.edtAge->isEnabled()); // the check box rules it from the binding on
         QTest::keyClick(Card.Ui.chkActive, Qt::Key_Space);
         QVERIFY(Card.Ui.edtAge->isEnabled());
-        QCOMPARE(Card.Ui.xName->DataSource(), Card.Source);
+        QCOMPARE(Card.Ui.xName->GetDataSource(), Card.Source);
+        QCOMPARE(Card.Ui.dbbPost->GetDataSource(), Card.Source);
+        QCOMPARE(Card.Ui.adlProduct->GetConnection(), Card.Connection);
     }
 
     void dataBinding_data() { KeshTest::AddDriverRows(); }
@@ -206,11 +213,24 @@ private Q_SLOTS:
         Set->SetConnection(Db->Connection());
         Set->SetCommandText(QStringLiteral("SELECT * FROM %1 ORDER BY Id").arg(Table));
         Card.Source->SetDataSet(Set);
+        Card.Connection->SetConnectionString(Db->ConnectionString());
+        Card.Connection->Open();
+        Card.Ui.adlProduct->SetListTable(Table);
         Kesh::EndLoading(&Card.Form);
+        Card.Ui.adlProduct->FillDataList();
+        QCOMPARE(Card.Ui.adlProduct->count(), 2);
+        QCOMPARE(Card.Ui.adlProduct->itemText(1), QStringLiteral("قلم"));
         Set->Open();
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("Pen"));
         Set->Next();
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("قلم"));
+        // Typed into the bound edit and saved by the bound button: no code per control.
+        QVERIFY(Card.Ui.dbbPost->isEnabled() == false); // saving waits for an edit
+        Card.Ui.xName->SetData(QStringLiteral("حبر"));
+        QVERIFY(Card.Ui.dbbPost->isEnabled());
+        Card.Ui.dbbPost->Click();
+        QCOMPARE(Set->State(), dsBrowse);
+        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Name FROM %1 WHERE Id = 2").arg(Table)).toString(), QStringLiteral("حبر"));
     }
 
     void badNamesRefused_data()

@@ -3,6 +3,8 @@
 // library's value types; and what uic makes of the published names.
 #include "Kesh.h"
 #include "Kesh_Controls.h"
+#include "Kesh_dbControls.h"
+#include "Kesh_AdoDB.h"
 #include "property_sheet.h"
 
 #include <QBuffer>
@@ -225,6 +227,19 @@ private Q_SLOTS:
         QTest::newRow("check box") << "Kesh::TQxCheckBox" << C << QSize(100, 16) << false;
         QTest::newRow("panel") << "Kesh::TQxPanel" << C << QSize(185, 41) << true;
         QTest::newRow("radio group") << "Kesh::TQxRadioGroup" << C << QSize(185, 105) << false;
+        const QString D = QStringLiteral("Kesh_dbControls");
+        QTest::newRow("db edit") << "Kesh::TQxdbEdit" << D << QSize(101, 21) << false;
+        QTest::newRow("db edit button") << "Kesh::TQxdbEditButton" << D << QSize(101, 21) << false;
+        QTest::newRow("db text") << "Kesh::TQxdbText" << D << QSize(101, 21) << false;
+        QTest::newRow("db fixed drop list") << "Kesh::TQxdbFixedDropList" << D << QSize(101, 21) << false;
+        QTest::newRow("db check box") << "Kesh::TQxdbCheckBox" << D << QSize(100, 16) << false;
+        QTest::newRow("db radio group") << "Kesh::TQxdbRadioGroup" << D << QSize(185, 105) << false;
+        QTest::newRow("db speed button") << "Kesh::TQxdbSpeedButton" << D << QSize(23, 22) << false;
+        QTest::newRow("db bit button") << "Kesh::TQxdbBitBtn" << D << QSize(75, 25) << false;
+        QTest::newRow("db icon button") << "Kesh::TQxdbIconButton" << D << QSize(75, 25) << false;
+        const QString A = QStringLiteral("Kesh_AdoDB");
+        QTest::newRow("table drop list") << "Kesh::TQxAdoDropList" << A << QSize(101, 21) << false;
+        QTest::newRow("lookup drop list") << "Kesh::TQxAdoLookupDropList" << A << QSize(101, 21) << false;
     }
     void components()
     {
@@ -274,7 +289,7 @@ private Q_SLOTS:
         QStringList Names;
         for (QDesignerCustomWidgetInterface* W : m_widgets)
             Names << W->name();
-        QCOMPARE(Names.size(), 11);
+        QCOMPARE(Names.size(), 22);
         QCOMPARE(QSet<QString>(Names.begin(), Names.end()).size(), Names.size());
     }
 
@@ -383,6 +398,37 @@ private Q_SLOTS:
         QCOMPARE(Label->GetFont_e(), Before);
     }
 
+    void nameFollowsField_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("property");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QStringList>("taken");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("blanks removed") << "Kesh::TQxdbEdit" << "DataField" << "Customer Name" << QStringList{} << "xCustomerName";
+        QTest::newRow("name taken") << "Kesh::TQxdbCheckBox" << "DataField" << "Active" << QStringList{"xActive"} << "xxActive";
+        QTest::newRow("both taken") << "Kesh::TQxdbRadioGroup" << "DataField" << "Kind" << QStringList{"xKind", "xxKind"} << "QxdbRadioGroup";
+        QTest::newRow("blank field") << "Kesh::TQxdbText" << "DataField" << "  " << QStringList{} << "QxdbText";
+        QTest::newRow("drop list") << "Kesh::TQxdbFixedDropList" << "_DataField" << "City Code" << QStringList{} << "xCityCode";
+    }
+    void nameFollowsField()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, property);
+        QFETCH(QString, field);
+        QFETCH(QStringList, taken);
+        QFETCH(QString, expected);
+        QWidget Form;
+        for (const QString& Other : taken)
+            (new QWidget(&Form))->setObjectName(Other);
+        QWidget* W = Widget(name)->createWidget(&Form);
+        W->setObjectName(name.mid(7));
+        auto* Sheet = qt_extension<QDesignerPropertySheetExtension*>(m_core->extensionManager(), W);
+        Sheet->setProperty(Sheet->indexOf(property), field);
+        QCOMPARE(W->property(property.toLatin1().constData()).toString(), field);
+        QCOMPARE(W->objectName(), expected);
+    }
+
     void itemLines_data()
     {
         QTest::addColumn<QStringList>("lines");
@@ -449,8 +495,9 @@ private Q_SLOTS:
             const QString Name = Match.captured(2);
             if (Name == QLatin1String("Property") || Name == QLatin1String("ObjectName"))
                 continue;
-            QWidget* W = Form.findChild<QWidget*>(Match.captured(1));
-            QVERIFY(W);
+            QWidget* W = Form.findChild<QWidget*>(Match.captured(1), Qt::FindDirectChildrenOnly);
+            if (!W)
+                continue; // an inner part (the edit button's button), renamed by uic
             const QByteArray Property = Name.left(1).toLower().toLatin1() + Name.mid(1).toLatin1();
             const int P = W->metaObject()->indexOfProperty(Property);
             QVERIFY2(P >= 0 && W->metaObject()->property(P).hasStdCppSet(), qPrintable(Match.captured()));

@@ -190,6 +190,8 @@ private Q_SLOTS:
         CHECK_TOTAL(Totals, Model);
         Q.Close();
         QCOMPARE(double(Totals.Value(0)), 0.0);
+        Q.Open();
+        CHECK_TOTAL(Totals, Model);
     }
 
     // A post the server refuses, and a dataset left in edit or insert, change nothing.
@@ -280,6 +282,42 @@ private Q_SLOTS:
         QVERIFY(!Q.FetchedAll());
         if (!memory)
             C->RollbackTrans();
+    }
+
+    // A clone shares its source's rows: the totals of each follow the writes of both,
+    // also after the other one closes.
+    void clonesFollowEachOther_data() { KeshTest::AddDriverRows(); }
+    void clonesFollowEachOther()
+    {
+        KESH_OPEN_TEST_DB(Db);
+        const QString T = Db->NewTable(QStringLiteral("Id %AUTOKEY%, Qty INTEGER"));
+        Db->Exec(QStringLiteral("INSERT INTO %1 (Qty) VALUES (1), (2), (3), (4)").arg(T));
+        TADOTable Source;
+        Source.SetConnection(Db->Connection());
+        Source.SetTableName(T);
+        Source.Open();
+        TADODataSet Clone;
+        Clone.Clone(&Source);
+        TDataSetTotals OfSource, OfClone;
+        for (TDataSetTotals* Totals : {&OfSource, &OfClone})
+            Totals->SetFieldNames({QStringLiteral("Qty")});
+        OfSource.SetDataSet(&Source);
+        OfClone.SetDataSet(&Clone);
+        QTRY_VERIFY(OfSource.Ready() && OfClone.Ready());
+        Clone.Last();
+        Clone.Edit();
+        Clone.FieldByName(QStringLiteral("Qty"))->SetAsInteger(40);  // 4 -> 40
+        Clone.Post();
+        Source.First();
+        Source.Delete();  // 1
+        QCOMPARE(double(OfSource.Value(0)), 2.0 + 3 + 40);
+        QCOMPARE(double(OfClone.Value(0)), 2.0 + 3 + 40);
+        Source.Close();
+        Clone.Append();
+        Clone.FieldByName(QStringLiteral("Qty"))->SetAsInteger(100);
+        Clone.Post();
+        QCOMPARE(double(OfSource.Value(0)), 0.0);
+        QCOMPARE(double(OfClone.Value(0)), 145.0);
     }
 
     // A client dataset holds every row: the sums are taken in memory, exactly for

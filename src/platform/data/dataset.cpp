@@ -92,6 +92,25 @@ public:
         scratch.fill(QVariant());
     }
 
+    // Lets go of the rows (a clone may keep them).
+    void DropStore()
+    {
+        if (store) {
+            auto& Sharers = store->Sharers;
+            Sharers.erase(std::remove(Sharers.begin(), Sharers.end(), q), Sharers.end());
+        }
+        store.reset();
+    }
+    // A row was written: this dataset and every other that shares its rows hear of it.
+    void RowWritten(const TRecordValues& Old, const TRecordValues& New)
+    {
+        emit q->RowWritten(Old, New);
+        const std::vector<TDataSet*> Others = store ? store->Sharers : std::vector<TDataSet*>();
+        for (TDataSet* Other : Others)
+            if (Other != q)
+                emit Other->RowWritten(Old, New);
+    }
+
     bool Editing() const { return state == dsEdit || state == dsInsert; }
     int StoredCount() const { return store ? store->Count() : 0; }
     int ViewCount() const { return StoredCount() + (insertPos >= 0 ? 1 : 0); }
@@ -279,7 +298,7 @@ void TDataSet::SetActive(bool Value)
     }
     DoBeforeOpen();
     try {
-        d->store.reset();
+        d->DropStore();
         d->fetchedBlocks = nullptr;
         d->fetchedAll = false;
         d->ClearEdit();
@@ -298,7 +317,7 @@ void TDataSet::SetActive(bool Value)
         } catch (...) {
         }
         d->UnbindFields();
-        d->store.reset();
+        d->DropStore();
         d->fetchedAll = true;
         d->cursor = d->active = -1;
         throw;
@@ -327,7 +346,7 @@ void TDataSet::CloseSilently()
     d->scratchId = -1;
     d->fetchedBlocks = nullptr;
     d->scratch.clear();
-    d->store.reset();
+    d->DropStore();
     d->fetchedAll = true;
     d->cursor = d->active = -1;
     d->bof = d->eof = true;
@@ -591,7 +610,7 @@ void TDataSet::Post()
     }
     d->ClearEdit();
     d->SetBofEofAfterResync();
-    emit RowWritten(Old, Values);
+    d->RowWritten(Old, Values);
     SetState(dsBrowse);
     DataEvent(deDataSetChange, 0);
     DoAfterPost();
@@ -638,7 +657,7 @@ void TDataSet::Delete()
     d->ClearEdit();
     d->store->RemoveAt(Pos);
     d->MarkOwnChange();
-    emit RowWritten(Old, TRecordValues());
+    d->RowWritten(Old, TRecordValues());
     d->EnsureRows(Pos + 1);
     d->SetCursor(std::min(Pos, d->ViewCount() - 1));
     d->SetBofEofAfterResync();
@@ -1116,6 +1135,7 @@ void TDataSet::ResetRows()
 {
     d->scratchId = -1;
     d->fetchedBlocks = nullptr;
+    d->DropStore();
     d->store = std::make_shared<TRecordStore>(d->defs.Count());
     d->storeGeneration = d->store->Generation();
     d->fetchedAll = false;
@@ -1131,7 +1151,11 @@ void TDataSet::ShareRowsWith(TDataSet* Source)
         DatabaseError(SDataSetClosed());
     Source->FetchAll();
     d->defs = Source->d->defs;
+    d->DropStore();
     d->store = Source->d->store;
+    for (TDataSet* Sharer : {Source, this})
+        if (std::find(d->store->Sharers.begin(), d->store->Sharers.end(), Sharer) == d->store->Sharers.end())
+            d->store->Sharers.push_back(Sharer);
     d->fetchedAll = true;
 }
 

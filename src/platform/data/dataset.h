@@ -156,8 +156,9 @@ public:
     TDataSetNotifyEvent BeforeRefresh, AfterRefresh, OnNewRecord;
 
 Q_SIGNALS:
-    /// A row was written (a Post or Delete that succeeded), before the data links hear of
-    /// it: OldValues is empty for a new row, NewValues for a deleted one.
+    /// A row was written (a Post or Delete that succeeded) here or on a dataset sharing these
+    /// rows (a clone), before the data links hear of it: OldValues is empty for a new row,
+    /// NewValues for a deleted one.
     void RowWritten(const Kesh::TRecordValues& OldValues, const Kesh::TRecordValues& NewValues);
     /// The rows were replaced as a whole: opened, closed, re-read or emptied.
     void RowsReset();

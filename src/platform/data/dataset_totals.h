@@ -41,8 +41,8 @@ public:
     /// False while a total is still being computed (in the background); Value then gives
     /// the last known one.
     bool Ready() const;
-    /// Recomputes from scratch. Opening, closing and re-reading the dataset recompute by
-    /// themselves; call it after the rows changed behind the dataset's back.
+    /// Recomputes from scratch (unless a sum of the same rows is already running). Opening,
+    /// closing and re-reading the dataset recompute by themselves.
     void Recalculate();
 
 Q_SIGNALS:

@@ -313,6 +313,12 @@ private:
         return Id;
     }
 
+public:
+    // The datasets that share these rows with another (a dataset and its clones): each
+    // hears of the rows the others write.
+    std::vector<TDataSet*> Sharers;
+
+private:
     int m_columns;
     std::vector<std::vector<TColumnBlock>> m_chunks;
     std::vector<quint32> m_order;
