@@ -58,7 +58,7 @@ DemoWindow::DemoWindow(QWidget* Parent) : QMainWindow(Parent)
     const QString DataDir = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     QDir().mkpath(DataDir);
     const QString DatabaseFile = QDir(DataDir).filePath(QStringLiteral("kesh-demo.db"));
-    AddPage(new EntryPage);
+    AddPage(new EntryPage(DatabaseFile));
     AddPage(new CoreToolsPage);
     AddPage(new DatabasePage(DatabaseFile));
     AddPage(new ItemsPage(DatabaseFile));
