@@ -3,6 +3,7 @@
 
 #include "Kesh_Controls.h"
 #include "Kesh_dbControls.h"
+#include "Kesh_AdoDB.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -91,6 +92,23 @@ void DropListIcon(QPainter& P)
 {
     Box(P, QRectF(2, 9, 28, 14));
     Bilingual(P, QRectF(3, 9, 16, 14));
+    Button(P, QRectF(20, 10, 9, 12));
+    QPolygonF Arrow{QPointF(22, 14.5), QPointF(27, 14.5), QPointF(24.5, 18)};
+    P.setPen(Qt::NoPen);
+    P.setBrush(Ink);
+    P.drawPolygon(Arrow);
+}
+
+// A drop list filled from a table: a small grid of rows before the arrow.
+void TableDropListIcon(QPainter& P)
+{
+    Box(P, QRectF(2, 9, 28, 14));
+    P.setPen(QPen(Accent, 1));
+    P.setBrush(QColor(0xDC, 0xEA, 0xF8));
+    P.drawRect(QRectF(5, 11, 12, 10));
+    for (int Y : {14, 17})
+        P.drawLine(QPointF(5, Y + 0.5), QPointF(17, Y + 0.5));
+    P.drawLine(QPointF(9.5, 11), QPointF(9.5, 21));
     Button(P, QRectF(20, 10, 9, 12));
     QPolygonF Arrow{QPointF(22, 14.5), QPointF(27, 14.5), QPointF(24.5, 18)};
     P.setPen(Qt::NoPen);
@@ -220,6 +238,8 @@ const QList<TComponent>& Components()
     static const char ControlsHeader[] = "Kesh_Controls.h";
     static const char Data[] = "Kesh_dbControls";
     static const char DataHeader[] = "Kesh_dbControls.h";
+    static const char Ado[] = "Kesh_AdoDB";
+    static const char AdoHeader[] = "Kesh_AdoDB.h";
     static const QList<TComponent> List{
         {"Kesh::TQxEdit", Controls, ControlsHeader,
          "Data-entry edit: standard widths, Enter/Up/Down between fields, integer or number typing",
@@ -282,6 +302,13 @@ const QList<TComponent>& Components()
         {"Kesh::TQxdbIconButton", Data, DataHeader,
          "Dataset action on a bilingual icon button",
          {75, 25}, false, Maker<Kesh::TQxdbIconButton>(), WithData(IconButtonIcon)},
+
+        {"Kesh::TQxAdoDropList", Ado, AdoHeader,
+         "Drop list of a table's rows: the name in the user's language, the key as its value",
+         {101, 21}, false, Maker<Kesh::TQxAdoDropList>(), TableDropListIcon},
+        {"Kesh::TQxAdoLookupDropList", Ado, AdoHeader,
+         "Data-aware drop list of a table's rows: writes the chosen key into its field",
+         {101, 21}, false, Maker<Kesh::TQxAdoLookupDropList>(), WithData(TableDropListIcon)},
     };
     return List;
 }

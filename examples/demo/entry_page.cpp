@@ -1,9 +1,12 @@
 #include "entry_page.h"
 
 #include <Kesh.h>
+#include <Kesh_AdoDB.h>
 #include <Kesh_Controls.h>
 #include "ui_entry_page.h"
 
+#include <QHBoxLayout>
+#include <QLayout>
 #include <QStyle>
 
 using namespace Kesh;
@@ -27,7 +30,8 @@ QString SummaryLine(const QString& Arabic, const QString& English, const QString
 
 } // namespace
 
-EntryPage::EntryPage(QWidget* Parent) : DemoPage(Parent)
+EntryPage::EntryPage(const QString& DatabaseFile, QWidget* Parent)
+    : DemoPage(Parent), m_conn(new TQxAdoConnection(this)), m_customers(new TQxAdoBrowser(this))
 {
     // The form is made in Qt Designer (entry_page.ui): captions, item lists, widths, typing
     // rules, hot keys and the tab order are stored there. Code adds what a .ui file cannot
@@ -40,7 +44,8 @@ EntryPage::EntryPage(QWidget* Parent) : DemoPage(Parent)
     m_customer = Form.edtCustomer;
     m_date = Form.edbDate;
     m_time = Form.tmeDelivery;
-    m_city = Form.dplCity;
+    OpenDatabase(DatabaseFile);
+    BuildCityList(Form.dplCity);
     m_quantity = Form.edtQuantity;
     m_price = Form.edtPrice;
     m_hasDiscount = Form.chkDiscount;
@@ -66,12 +71,121 @@ EntryPage::EntryPage(QWidget* Parent) : DemoPage(Parent)
     connect(m_hasDiscount, &QAbstractButton::toggled, this, &EntryPage::UpdateTotal);
     connect(m_save, &QAbstractButton::clicked, this, &EntryPage::Save);
     connect(m_clear, &QAbstractButton::clicked, this, &EntryPage::Clear);
+    BuildCustomerPicker();
 
     // Binds the discount check box to the edit it names (_ControlName) and ends the
     // building of every component.
     Kesh::EndLoading(this);
     FillSample();
     Retranslate();
+}
+
+// The page's customers (with an integer joining date) and cities live in the demo database.
+// The name columns are NOCASE with plain indexes, so the browser's quick search reads its
+// 30 rows from an index however many customers there are.
+void EntryPage::OpenDatabase(const QString& DatabaseFile)
+{
+    m_conn->setObjectName(QStringLiteral("EntryDB"));
+    try {
+        m_conn->SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + DatabaseFile);
+        m_conn->Open();
+        if (!m_conn->TableExists(QStringLiteral("EntryCustomers")))
+            m_conn->Exec(QStringLiteral(
+                "CREATE TABLE EntryCustomers (Code INTEGER PRIMARY KEY, Name_a TEXT COLLATE NOCASE, "
+                "Name_e TEXT COLLATE NOCASE, Joined INTEGER);"
+                "CREATE INDEX EntryCustomers_Name_a ON EntryCustomers (Name_a);"
+                "CREATE INDEX EntryCustomers_Name_e ON EntryCustomers (Name_e);"
+                "INSERT INTO EntryCustomers VALUES (1, 'مؤسسة النور التجارية', 'Al Noor Trading Est.', 20190312);"
+                "INSERT INTO EntryCustomers VALUES (2, 'شركة الأمل', 'Al Amal Company', 20200901);"
+                "INSERT INTO EntryCustomers VALUES (3, 'مكتبة المعرفة', 'Knowledge Bookshop', 20211115);"
+                "INSERT INTO EntryCustomers VALUES (4, 'مطاعم البحر الأحمر', 'Red Sea Restaurants', 20220220);"
+                "INSERT INTO EntryCustomers VALUES (5, 'صيدلية الشفاء', 'Al Shifa Pharmacy', 20230105);"
+                "INSERT INTO EntryCustomers VALUES (6, 'أوبراين للاستيراد', 'O''Brien Imports', 20230618);"
+                "INSERT INTO EntryCustomers VALUES (7, 'بيت العطور', 'House of Perfumes', 20240410);"
+                "INSERT INTO EntryCustomers VALUES (8, 'مخابز السنابل', 'Sanabel Bakeries', 20241201)"));
+        if (!m_conn->TableExists(QStringLiteral("Cities")))
+            m_conn->Exec(QStringLiteral(
+                "CREATE TABLE Cities (Code VARCHAR(3), Name_a VARCHAR(40), Name_e VARCHAR(40));"
+                "INSERT INTO Cities VALUES ('RUH', 'الرياض', 'Riyadh');"
+                "INSERT INTO Cities VALUES ('JED', 'جدة', 'Jeddah');"
+                "INSERT INTO Cities VALUES ('MKK', 'مكة المكرمة', 'Makkah');"
+                "INSERT INTO Cities VALUES ('MED', 'المدينة المنورة', 'Madinah');"
+                "INSERT INTO Cities VALUES ('DMM', 'الدمام', 'Dammam')"));
+    } catch (const Exception& E) {
+        ShowError(E.Message);
+    }
+}
+
+// The city list of the .ui file is replaced by one read from the Cities table.
+void EntryPage::BuildCityList(QWidget* Placeholder)
+{
+    m_city = new TQxAdoDropList(Placeholder->parentWidget());
+    m_city->setObjectName(QStringLiteral("dplCity"));
+    m_city->SetFixedSize(2);
+    m_city->SetLimitToList(true);
+    m_city->SetShowKey(false);
+    m_city->SetConnection(m_conn);
+    m_city->SetListTable(QStringLiteral("Cities"));
+    m_city->SetListKey(QStringLiteral("Code"));
+    m_city->SetListField_a(QStringLiteral("Name_a"));
+    m_city->SetListField_e(QStringLiteral("Name_e"));
+    m_city->SetOrderBy(QStringLiteral("Name_e"));
+    if (QLayout* Layout = Placeholder->parentWidget()->layout())
+        delete Layout->replaceWidget(Placeholder, m_city, Qt::FindChildrenRecursively);
+    QWidget::setTabOrder(Placeholder, m_city);
+    delete Placeholder;
+    m_city->FillDataList();
+}
+
+// A "..." button (F4) by the customer box opens the browser of the customers.
+void EntryPage::BuildCustomerPicker()
+{
+    m_customers->setObjectName(QStringLiteral("brCustomers"));
+    m_customers->SetConnection(m_conn);
+    m_customers->SetSourceTables(QStringLiteral("EntryCustomers"));
+    m_customers->SetDatabaseType(dtSQLite);
+    m_customers->SetCaption_a(QStringLiteral("العملاء"));
+    m_customers->SetCaption_e(QStringLiteral("Customers"));
+    m_customers->SetCompressedView(true);
+    const struct { const char* A; const char* E; const char16_t* CapA; const char* CapE; int Width; } Columns[] = {
+        {"Name_a", "Name_e", u"الاسم", "Name", 30}, {"Code", "Code", u"الرقم", "Code", 8},
+        {"Joined", "Joined", u"تاريخ الانضمام", "Joined", 12}};
+    for (const auto& C : Columns) {
+        TQxAdoBrowserItem* Item = m_customers->BrowserItems()->Add();
+        Item->SetFieldName_a(QLatin1String(C.A));
+        Item->SetFieldName_e(QLatin1String(C.E));
+        Item->SetCaption_a(QString::fromUtf16(C.CapA));
+        Item->SetCaption_e(QLatin1String(C.CapE));
+        Item->SetWidth(C.Width);
+    }
+    m_customers->BrowserItems()->Items(2)->SetFieldClass(fcDate);
+    m_customers->BrowserItems()->Items(2)->SetDataType(ftInteger);
+
+    auto* Button = new TQxSpeedButton;
+    Button->setObjectName(QStringLiteral("sbnCustomer"));
+    Button->setText(QStringLiteral("..."));
+    Button->SetHintA(QStringLiteral("اختيار العميل (F4)"));
+    Button->SetHintE(QStringLiteral("Pick the customer (F4)"));
+    Button->SetHotKey(QKeySequence(Qt::Key_F4));
+    Button->setFocusPolicy(Qt::NoFocus);
+    connect(Button, &QAbstractButton::clicked, this, &EntryPage::PickCustomer);
+    auto* Box = new QWidget;
+    QWidget* Parent = m_customer->parentWidget();
+    if (QLayout* Layout = Parent->layout())
+        delete Layout->replaceWidget(m_customer, Box, Qt::FindChildrenRecursively);
+    auto* Row = new QHBoxLayout(Box);
+    Row->setContentsMargins(0, 0, 0, 0);
+    Row->setSpacing(2);
+    Row->addWidget(m_customer);
+    Row->addWidget(Button);
+    Row->addStretch(1);
+}
+
+void EntryPage::PickCustomer()
+{
+    if (m_customers->ShowBrowser())
+        m_customer->setText(m_customers->BrowserItems()->Items(0)->Value().toString());
+    m_customer->setFocus();
 }
 
 void EntryPage::FillSample()

@@ -4,6 +4,9 @@
 #include "demo_page.h"
 
 namespace Kesh {
+class TQxAdoBrowser;
+class TQxAdoConnection;
+class TQxAdoDropList;
 class TQxBitBtn;
 class TQxCheckBox;
 class TQxEdit;
@@ -20,7 +23,8 @@ class EntryPage : public DemoPage
 {
     Q_OBJECT
 public:
-    explicit EntryPage(QWidget* Parent = nullptr);
+    /// The customers and cities come from the demo database at DatabaseFile.
+    explicit EntryPage(const QString& DatabaseFile, QWidget* Parent = nullptr);
     QString PageName() const override { return QStringLiteral("entry"); }
     QString Title() const override;
     void Retranslate() override;
@@ -29,8 +33,13 @@ public:
     void Save();
     /// Empties every field and puts the focus on the first one.
     void Clear();
+    /// Opens the customer browser (F4 or the button by the customer box).
+    void PickCustomer();
 
 private:
+    void OpenDatabase(const QString& DatabaseFile);
+    void BuildCustomerPicker();
+    void BuildCityList(QWidget* Placeholder);
     void FillSample();
     void UpdateTotal();
     long double LineTotal() const;
@@ -44,7 +53,9 @@ private:
     Kesh::TQxEdit* m_customer;
     Kesh::TQxEditButton* m_date;
     Kesh::TQxTimeEdit* m_time;
-    Kesh::TQxFixedDropList* m_city;
+    Kesh::TQxAdoDropList* m_city;
+    Kesh::TQxAdoConnection* m_conn;
+    Kesh::TQxAdoBrowser* m_customers;
     Kesh::TQxEdit* m_quantity;
     Kesh::TQxEdit* m_price;
     Kesh::TQxCheckBox* m_hasDiscount;

@@ -2,9 +2,13 @@
 // renders every page in both languages to PNG files and exits.
 #include "demo_page.h"
 #include "demo_window.h"
+#include "entry_page.h"
 
 #include <Kesh.h>
+#include <KeshForm_AdoBrowser.h>
+#include <Kesh_Controls.h>
 
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QPointer>
@@ -78,6 +82,51 @@ bool WriteDialogs(const QString& Folder, const QString& Lang)
     return true;
 }
 
+// The customer browser of the data-entry page with "a" typed, then its filter dialog.
+bool WriteBrowser(DemoWindow& Window, const QString& Folder, const QString& Lang)
+{
+    auto* Page = Window.findChild<EntryPage*>();
+    if (!Page)
+        return false;
+    QStringList Written;
+    QPointer<QDialog> Seen;
+    int Turns = 0;
+    QTimer Poll;
+    Poll.setInterval(50);
+    QObject::connect(&Poll, &QTimer::timeout, [&] {
+        auto* Dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!Dialog || (Dialog == Seen && ++Turns < 2))
+            return;
+        if (Dialog != Seen) {  // let it lay itself out first
+            Seen = Dialog;
+            Turns = 0;
+            if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog); Browser && Written.isEmpty())
+                Browser->F1->setText(BiStr(QStringLiteral("م"), QStringLiteral("a")));
+            return;
+        }
+        if (Written.size() == 2) {  // the browser again, after its filter
+            Poll.stop();
+            Dialog->reject();
+            return;
+        }
+        const QString File = QDir(Folder).filePath((Written.isEmpty() ? QStringLiteral("browser-") : QStringLiteral("browser-filter-"))
+                                                   + Lang + QStringLiteral(".png"));
+        if (Dialog->grab().save(File))
+            Written << File;
+        if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog))
+            QMetaObject::invokeMethod(Browser->btnFilter, "click", Qt::QueuedConnection);
+        else
+            Dialog->reject();
+        Seen = nullptr;
+    });
+    Poll.start();
+    Page->PickCustomer();
+    Poll.stop();
+    for (const QString& File : Written)
+        std::printf("%s\n", qPrintable(File));
+    return Written.size() == 2;
+}
+
 int WriteScreenshots(DemoWindow& Window, const QString& Folder)
 {
     if (!QDir().mkpath(Folder)) {
@@ -105,6 +154,10 @@ int WriteScreenshots(DemoWindow& Window, const QString& Folder)
         }
         if (!WriteDialogs(Folder, Lang))
             return 1;
+        if (!WriteBrowser(Window, Folder, Lang)) {
+            std::fprintf(stderr, "Cannot write the browser's screenshots\n");
+            return 1;
+        }
     }
     return 0;
 }

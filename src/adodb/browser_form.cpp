@@ -132,9 +132,10 @@ TAdoBrowserForm::TAdoBrowserForm(QWidget* AOwner, TQxAdoBrowser* Browser)
     lblSearch->SetCaptionE(QStringLiteral("Quick search"));
     lblSearch->SetTransparent(true);
     lblSearch->SetAlignment(Qt::AlignLeading | Qt::AlignVCenter);
-    lblSearch->setFixedWidth(90);
+    lblSearch->setFixedWidth(lblSearch->fontMetrics().horizontalAdvance(QStringLiteral("Quick search")) + 12);
     F1 = new TQxEdit(TopPanel);
     F1->setObjectName(QStringLiteral("F1"));
+    F1->SetFixedSize(0);
     lblSearch->SetFocusControl(F1);
     auto* Top = new QHBoxLayout(TopPanel);
     Top->setContentsMargins(6, 6, 6, 4);
@@ -345,9 +346,17 @@ void TAdoBrowserForm::OpenData()
 {
     if (!m_browser)
         return;
-    db->Close();
-    db->SetSQL({m_browser->BuildQueryText(SortIndex, F1->text(), CustomFilter, RightToLeft())});
-    db->Open();
+    // One refresh of the grid for the whole re-query, not one for the close and one for the open.
+    db->DisableControls();
+    try {
+        db->Close();
+        db->SetSQL({m_browser->BuildQueryText(SortIndex, F1->text(), CustomFilter, RightToLeft())});
+        db->Open();
+    } catch (...) {
+        db->EnableControls();
+        throw;
+    }
+    db->EnableControls();
     // Hidden columns stay in the rows: their values are still returned.
     const TQxAdoBrowserCollection* Items = m_browser->BrowserItems();
     for (int i = 0; i < d->ItemColumns.size(); ++i)

@@ -1,5 +1,6 @@
 // Kesh for Qt — the record browser's form: quick search, read-only grid, filter.
 #pragma once
+#include "qx_ado_browser.h"
 #include "platform/kesh_global.h"
 #include <QDialog>
 #include <QList>

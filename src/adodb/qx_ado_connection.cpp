@@ -68,19 +68,22 @@ QVariant TQxAdoConnection::DLookup(const QString& TableName, const QString& Fiel
     // of a query dataset would show it, without building the dataset and its fields.
     QVariant Result(0);
     try {
-        QSqlQuery Query(Database());
-        Query.setForwardOnly(true);
-        if (!Query.exec(Text))
-            RaiseSqlError(Query.lastError());
-        if (!Query.isSelect())
-            throw EDatabaseError(QStringLiteral("CommandText does not return a result set"));
-        if (Query.next()) {
-            const QVariant Raw = Query.value(0);
-            if (Raw.isValid() && !Raw.isNull())
-                Result = TField::ValueOf(TADODataSet::FieldTypeOf(Query.record().field(0)), Raw);
-        } else if (Query.lastError().isValid()) {
-            RaiseSqlError(Query.lastError());
-        }
+        // A typing error in Criteria must not stop the datasets reading on this connection.
+        GuardRead([&] {
+            QSqlQuery Query(Database());
+            Query.setForwardOnly(true);
+            if (!Query.exec(Text))
+                RaiseSqlError(Query.lastError());
+            if (!Query.isSelect())
+                throw EDatabaseError(QStringLiteral("CommandText does not return a result set"));
+            if (Query.next()) {
+                const QVariant Raw = Query.value(0);
+                if (Raw.isValid() && !Raw.isNull())
+                    Result = TField::ValueOf(TADODataSet::FieldTypeOf(Query.record().field(0)), Raw);
+            } else if (Query.lastError().isValid()) {
+                RaiseSqlError(Query.lastError());
+            }
+        });
     } catch (const Exception& E) {
         m_errorMessage = E.Message;
     }

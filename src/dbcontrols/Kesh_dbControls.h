@@ -5,3 +5,4 @@
 #include "db_buttons.h"
 #include "db_edits.h"
 #include "db_choice.h"
+#include "db_image_panel.h"

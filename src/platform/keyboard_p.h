@@ -4,8 +4,8 @@
 
 namespace Kesh {
 
-/// The XKB layouts that stand for a layout identifier, best first ("00000401" → ar, ara);
-/// empty for an identifier that names no known layout.
+/// The XKB layouts that stand for a layout identifier, best first ("00000401" → ara, ar);
+/// any other name stands for itself, as an XKB layout name.
 KESH_EXPORT QStringList XkbLayoutsOf(const QString& LayoutName);
 /// The layout identifier of an XKB layout ("ara" → "00000401"); the XKB name itself when
 /// it has none.

@@ -22,9 +22,8 @@ QStringList XkbLayoutsOf(const QString& LayoutName)
         return {QStringLiteral("us"), QStringLiteral("gb")};
     if (LayoutName == QLatin1String("00000809"))
         return {QStringLiteral("gb")};
-    // Anything that is no identifier is taken as an XKB layout name.
-    static const QRegularExpression Identifier(QStringLiteral("^[0-9A-Fa-f]{8}$"));
-    if (LayoutName.isEmpty() || Identifier.match(LayoutName).hasMatch())
+    // Any other name is taken as an XKB layout's own (no group is named like an identifier).
+    if (LayoutName.isEmpty())
         return {};
     return {LayoutName};
 }

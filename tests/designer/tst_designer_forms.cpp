@@ -3,6 +3,7 @@
 // objects it names (data sources created in code, controls of the form).
 #include "Kesh.h"
 #include "Kesh_Controls.h"
+#include "Kesh_AdoDB.h"
 #include "Kesh_dbControls.h"
 #include "db_test_helper.h"
 #include "dialog_helper.h"
@@ -22,11 +23,15 @@ struct TCard
     QWidget Form;
     Ui::CustomerCard Ui;
     TDataSource* Source;
+    TADOConnection* Connection;
     explicit TCard(const QString& SourceName = QStringLiteral("dsCustomers"))
     {
         Source = new TDataSource(&Form);
         Source->setObjectName(SourceName);
+        Connection = new TADOConnection(&Form); // the drop list names it
+        Connection->setObjectName(QStringLiteral("dbMain"));
         Ui.setupUi(&Form);
+
     }
     TQxForm* Manager() const { return Form.findChild<TQxForm*>(); }
 };
@@ -193,6 +198,7 @@ private Q_SLOTS:
         QVERIFY(Card.Ui.edtAge->isEnabled());
         QCOMPARE(Card.Ui.xName->GetDataSource(), Card.Source);
         QCOMPARE(Card.Ui.dbbPost->GetDataSource(), Card.Source);
+        QCOMPARE(Card.Ui.adlProduct->GetConnection(), Card.Connection);
     }
 
     void dataBinding_data() { KeshTest::AddDriverRows(); }
@@ -207,7 +213,13 @@ private Q_SLOTS:
         Set->SetConnection(Db->Connection());
         Set->SetCommandText(QStringLiteral("SELECT * FROM %1 ORDER BY Id").arg(Table));
         Card.Source->SetDataSet(Set);
+        Card.Connection->SetConnectionString(Db->ConnectionString());
+        Card.Connection->Open();
+        Card.Ui.adlProduct->SetListTable(Table);
         Kesh::EndLoading(&Card.Form);
+        Card.Ui.adlProduct->FillDataList();
+        QCOMPARE(Card.Ui.adlProduct->count(), 2);
+        QCOMPARE(Card.Ui.adlProduct->itemText(1), QStringLiteral("قلم"));
         Set->Open();
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("Pen"));
         Set->Next();

@@ -159,22 +159,33 @@ private Q_SLOTS:
         QTest::addColumn<QString>("driver");
         QTest::addColumn<QString>("second");
         QTest::addColumn<QString>("error");
-        QTest::newRow("sqlite") << "sqlite" << "SELECT Id, Qty FROM %1 ORDER BY Id DESC" << QString();
-        QTest::newRow("postgres") << "postgres" << "SELECT Id, Qty FROM %1 ORDER BY Id DESC" << QString();
-        QTest::newRow("postgres, failing at opening") << "postgres" << "SELECT Id, Qty FROM %1_missing" << "does not exist";
+        QTest::addColumn<bool>("lookUp");  // run by GuardRead on Database() instead of a dataset
+        QTest::newRow("sqlite") << "sqlite" << "SELECT Id, Qty FROM %1 ORDER BY Id DESC" << QString() << false;
+        QTest::newRow("postgres") << "postgres" << "SELECT Id, Qty FROM %1 ORDER BY Id DESC" << QString() << false;
+        QTest::newRow("postgres, failing at opening") << "postgres" << "SELECT Id, Qty FROM %1_missing" << "does not exist" << false;
         QTest::newRow("postgres, failing in a later row")
-            << "postgres" << "SELECT Id, Qty / (Id - 2000) AS Qty FROM %1 ORDER BY Id" << "division by zero";
+            << "postgres" << "SELECT Id, Qty / (Id - 2000) AS Qty FROM %1 ORDER BY Id" << "division by zero" << false;
+        QTest::newRow("postgres, failing look-up") << "postgres" << "SELECT Qty FROM %1 WHERE Id = 'x'" << "invalid input" << true;
     }
     void severalReadersAtOnce()
     {
         QFETCH(QString, second);
         QFETCH(QString, error);
+        QFETCH(bool, lookUp);
         KESH_OPEN_TEST_DB(Db);
         const QString T = MakeTable(*Db);
         auto A = Open(Db->Connection(), QStringLiteral("SELECT Id, Qty FROM %1 ORDER BY Id").arg(T));
         A->MoveBy(100);
         if (!error.isEmpty()) {
             const QString Message = ErrorOf([&] {
+                if (lookUp) {
+                    Db->Connection()->GuardRead([&] {
+                        QSqlQuery Q(Db->Connection()->Database());
+                        if (!Q.exec(second.arg(T)))
+                            TADOConnection::RaiseSqlError(Q.lastError());
+                    });
+                    return;
+                }
                 auto B = Open(Db->Connection(), second.arg(T));
                 B->Last();
             });

@@ -106,7 +106,7 @@ private Q_SLOTS:
         QTest::newRow("English") << "00000409" << QStringList{"us", "gb"} << "00000409";
         QTest::newRow("British") << "00000809" << QStringList{"gb"} << "00000809";
         QTest::newRow("xkb name") << "fr" << QStringList{"fr"} << "fr";
-        QTest::newRow("unknown identifier") << "0000040C" << QStringList{} << "";
+        QTest::newRow("unknown identifier") << "0000040C" << QStringList{"0000040C"} << "0000040C";
         QTest::newRow("empty") << "" << QStringList{} << "";
     }
     void layoutNames()

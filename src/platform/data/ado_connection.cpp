@@ -365,4 +365,26 @@ void TADOConnection::FinishPendingFetches(TADODataSet* Except)
 
 Detail::TCursorSession& TADOConnection::CursorSession() const { return d->cursors; }
 
+void TADOConnection::GuardRead(const std::function<void()>& Read)
+{
+    if (!d->cursors.reading || d->inTransaction) {
+        Read();
+        return;
+    }
+    QSqlQuery Q(d->db);
+    if (!Q.exec(QStringLiteral("SAVEPOINT kesh_read")))
+        RaiseSqlError(Q.lastError());
+    // Released when Read went well; undone when one of its statements failed, raised or not.
+    struct TRelease
+    {
+        QSqlQuery& Q;
+        ~TRelease()
+        {
+            if (!Q.exec(QStringLiteral("RELEASE SAVEPOINT kesh_read")))
+                Q.exec(QStringLiteral("ROLLBACK TO SAVEPOINT kesh_read; RELEASE SAVEPOINT kesh_read"));
+        }
+    } Release{Q};
+    Read();
+}
+
 } // namespace Kesh

@@ -87,6 +87,11 @@ public:
     /// code that writes through Database() directly should call it first.
     void FinishPendingFetches(TADODataSet* Except = nullptr);
 
+    /// Runs Read, which only reads through Database(), so that a failing statement in it
+    /// cannot abort the transaction that lazily read datasets keep open on PostgreSQL (a
+    /// savepoint surrounds it there); elsewhere just runs it. Exceptions pass through.
+    void GuardRead(const std::function<void()>& Read);
+
     /// EDatabaseError with the server's text of Error (databaseText, else text).
     [[noreturn]] static void RaiseSqlError(const QSqlError& Error, const QString& Context = QString());
 
