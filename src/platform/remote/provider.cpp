@@ -516,11 +516,23 @@ void TDataSetProvider::Execute(const QList<TPacketParam>& Params, QJsonValue& Ow
     d->DataSet();
     if (BeforeExecute)
         BeforeExecute(this, OwnerData);
-    auto* Query = qobject_cast<TADOQuery*>(d->dataSet.data());
-    if (!Query)
+    TADODataSet* A = d->Ado();
+    if (!A)
         throw EProviderRequestError(QStringLiteral("The provider's dataset cannot execute a command"));
     d->AssignParams(Params);
-    Query->ExecSQL();
+    if (auto* Query = qobject_cast<TADOQuery*>(A)) {
+        Query->ExecSQL();
+    } else {
+        // Any ADO dataset's command runs the way a query's statement does.
+        TADOQuery Command;
+        Command.SetConnection(A->Connection());
+        Command.SetParamCheck(A->ParamCheck());
+        Command.SetSQL({A->CommandText()});
+        for (int i = 0; i < A->Parameters()->Count(); ++i)
+            if (TParameter* P = Command.Parameters()->FindParam(A->Parameters()->Items(i)->Name))
+                *P = *A->Parameters()->Items(i);
+        Command.ExecSQL();
+    }
     if (AfterExecute)
         AfterExecute(this, OwnerData);
 }
