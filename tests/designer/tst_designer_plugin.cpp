@@ -243,6 +243,8 @@ private Q_SLOTS:
         QTest::newRow("db speed button") << "Kesh::TQxdbSpeedButton" << D << QSize(23, 22) << false;
         QTest::newRow("db bit button") << "Kesh::TQxdbBitBtn" << D << QSize(75, 25) << false;
         QTest::newRow("db icon button") << "Kesh::TQxdbIconButton" << D << QSize(75, 25) << false;
+        QTest::newRow("db image") << "Kesh::TQxdbImage" << D << QSize(105, 105) << false;
+        QTest::newRow("db panel") << "Kesh::TQxdbPanel" << D << QSize(185, 41) << true;
         const QString A = QStringLiteral("Kesh_AdoDB");
         QTest::newRow("table drop list") << "Kesh::TQxAdoDropList" << A << QSize(101, 21) << false;
         QTest::newRow("lookup drop list") << "Kesh::TQxAdoLookupDropList" << A << QSize(101, 21) << false;
@@ -295,7 +297,7 @@ private Q_SLOTS:
         QStringList Names;
         for (QDesignerCustomWidgetInterface* W : m_widgets)
             Names << W->name();
-        QCOMPARE(Names.size(), 22);
+        QCOMPARE(Names.size(), 24);
         QCOMPARE(QSet<QString>(Names.begin(), Names.end()).size(), Names.size());
     }
 
@@ -416,6 +418,7 @@ private Q_SLOTS:
         QTest::newRow("both taken") << "Kesh::TQxdbRadioGroup" << "DataField" << "Kind" << QStringList{"xKind", "xxKind"} << "QxdbRadioGroup";
         QTest::newRow("blank field") << "Kesh::TQxdbText" << "DataField" << "  " << QStringList{} << "QxdbText";
         QTest::newRow("drop list") << "Kesh::TQxdbFixedDropList" << "_DataField" << "City Code" << QStringList{} << "xCityCode";
+        QTest::newRow("image") << "Kesh::TQxdbImage" << "_DataField" << "Photo" << QStringList{} << "xPhoto";
     }
     void nameFollowsField()
     {
