@@ -15,6 +15,7 @@
 #include "platform/keyboard.h"
 #include <QAbstractButton>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QHash>
@@ -1082,6 +1083,19 @@ void TQxCustomDBGrid::SelectRange(int From, int To)
 }
 
 void TQxCustomDBGrid::mouseDoubleClickEvent(QMouseEvent* Event) { QTableView::mouseDoubleClickEvent(Event); }
+
+void TQxCustomDBGrid::contextMenuEvent(QContextMenuEvent* Event)
+{
+    // A column's own pop-up menu, else the grid's context menu as Qt gives it.
+    const QModelIndex Index = indexAt(viewport()->mapFrom(this, Event->pos()));
+    TQxColumn* C = d->Columns.Items(Index.isValid() ? Index.column() : -1);
+    if (C && C->GetPopupMenu()) {
+        C->GetPopupMenu()->exec(Event->globalPos());
+        Event->accept();
+        return;
+    }
+    QTableView::contextMenuEvent(Event);
+}
 
 void TQxCustomDBGrid::focusInEvent(QFocusEvent* Event)
 {
