@@ -12,6 +12,7 @@
 #include <KeshForm_AdoBrowser.h>
 #include <Kesh_AdoDB.h>
 #include <Kesh_Controls.h>
+#include <Kesh_dbGrid.h>
 
 #include <QApplication>
 #include <QCoreApplication>
