@@ -181,6 +181,18 @@ void PanelIcon(QPainter& P)
     Bilingual(P, QRectF(4, 9, 24, 14));
 }
 
+void ImageIcon(QPainter& P)
+{
+    P.setPen(QPen(Ink, 1.2));
+    P.setBrush(QColor(0xE8, 0xF2, 0xFC));
+    P.drawRect(QRectF(3, 5, 26, 22));
+    P.setPen(Qt::NoPen);
+    P.setBrush(QColor(0xF0, 0xB0, 0x20));
+    P.drawEllipse(QPointF(22, 11), 3, 3);
+    P.setBrush(QColor(0x30, 0x90, 0x50));
+    P.drawPolygon(QPolygonF{QPointF(4, 26), QPointF(13, 13), QPointF(19, 21), QPointF(22, 18), QPointF(28, 26)});
+}
+
 void RadioGroupIcon(QPainter& P)
 {
     P.setPen(QPen(Ink, 1));
@@ -302,6 +314,12 @@ const QList<TComponent>& Components()
         {"Kesh::TQxdbIconButton", Data, DataHeader,
          "Dataset action on a bilingual icon button",
          {75, 25}, false, Maker<Kesh::TQxdbIconButton>(), WithData(IconButtonIcon)},
+        {"Kesh::TQxdbImage", Data, DataHeader,
+         "Data-aware picture: shows and stores the picture of a blob field",
+         {105, 105}, false, Maker<Kesh::TQxdbImage>(), WithData(ImageIcon)},
+        {"Kesh::TQxdbPanel", Data, DataHeader,
+         "Data-aware panel: enables the controls on it by its dataset's state",
+         {185, 41}, true, Maker<Kesh::TQxdbPanel>(), WithData(PanelIcon)},
 
         {"Kesh::TQxAdoDropList", Ado, AdoHeader,
          "Drop list of a table's rows: the name in the user's language, the key as its value",

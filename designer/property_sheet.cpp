@@ -1,5 +1,6 @@
 // Kesh for Qt — Designer's property sheet for the library's components.
 #include "property_sheet.h"
+#include "font_task_menu.h"
 
 #include "colors.h"
 #include "ui_forms.h"
@@ -185,6 +186,7 @@ void RegisterPropertySheet(QExtensionManager* Manager)
         return;
     Done << Manager;
     Manager->registerExtensions(new TSheetFactory(Manager), Q_TYPEID(QDesignerPropertySheetExtension));
+    RegisterFontTaskMenu(Manager);
 }
 
 } // namespace KeshDesigner

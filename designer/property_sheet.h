@@ -66,7 +66,8 @@ private:
     QDesignerPropertySheetExtension* m_base;
 };
 
-/// Puts the sheet in front of Designer's own for every Kesh component (once per manager).
+/// Puts the sheet in front of Designer's own for every Kesh component, and the font menu
+/// beside it (once per manager).
 void RegisterPropertySheet(QExtensionManager* Manager);
 
 } // namespace KeshDesigner

@@ -2,6 +2,8 @@
 #include "core_tools_page.h"
 #include "database_page.h"
 #include "entry_page.h"
+#include "items_page.h"
+#include "item_card_page.h"
 #include "rules_page.h"
 
 #include <Kesh_Controls.h>
@@ -60,7 +62,9 @@ DemoWindow::DemoWindow(QWidget* Parent) : QMainWindow(Parent)
     AddPage(new EntryPage(DatabaseFile));
     AddPage(new CoreToolsPage);
     AddPage(new DatabasePage(DatabaseFile));
+    AddPage(new ItemsPage(DatabaseFile));
     AddPage(new RulesPage(DatabaseFile));
+    AddPage(new ItemCardPage(DatabaseFile));
 
     BuildMenus();
     // The manager takes the window's caption, menus and placement (remembered in the

@@ -7,3 +7,4 @@
 #include "qx_ado_datasets.h"
 #include "qx_ado_browser.h"
 #include "qx_ado_drop_list.h"
+#include "qx_provider_list.h"

@@ -154,7 +154,7 @@ bool IsTextType(TFieldType Type)
 bool IsSqlNumber(const QString& Text)
 {
     static const QRegularExpression Number(
-        QStringLiteral("^ *[+-]?(\\d+(\\.\\d*)?|\\.\\d+)([eE][+-]?\\d+)? *$"));
+        QStringLiteral("\\A *[+-]?([0-9]+(\\.[0-9]*)?|\\.[0-9]+)([eE][+-]?[0-9]+)? *\\z"));
     return Number.match(Text).hasMatch();
 }
 
@@ -162,6 +162,13 @@ QString ColumnTitle(const TQxAdoBrowserItem* Item, bool RightToLeft)
 {
     const QString Title = RightToLeft ? Item->GetCaption_a() : Item->GetCaption_e();
     return Title.isEmpty() ? Item->FieldName(RightToLeft) : Title;
+}
+
+// Day, month and year and nothing else, in the separators AsDate reads.
+bool IsDateText(const QString& Text)
+{
+    static const QRegularExpression Date(QStringLiteral("\\A *[0-9]{1,2}[-./:\\\\][0-9]{1,2}[-./:\\\\][0-9]{1,4} *\\z"));
+    return Date.match(Text).hasMatch();
 }
 
 // A real day of its calendar: 31-2-2024 and 30-2-1445 are refused.
@@ -336,7 +343,7 @@ QString TQxAdoBrowser::DateTimeLiteral(const QString& Input, QString* Error) con
     QDateTime When;
     bool HasTime = false;
     int D = AsDate(Input);
-    if (IsRealDate(D)) {
+    if (IsDateText(Input) && IsRealDate(D)) {
         if (IsHijri(D))
             D = ConvertDate(D);
         When = QDateTime(QDate(GetYear(D), GetMonth(D), GetDay(D)), QTime(0, 0));
@@ -361,8 +368,13 @@ QString TQxAdoBrowser::DateTimeLiteral(const QString& Input, QString* Error) con
     case dtPostgreSQL:
         return HasTime ? QStringLiteral("TIMESTAMP '") + Stamp + QLatin1Char('\'')
                        : QStringLiteral("DATE '") + Date + QLatin1Char('\'');
-    default:
-        return QLatin1Char('#') + Input + QLatin1Char('#');  // checked above: a date and nothing else
+    default: {
+        // Written from the date read, never from the typed text: d-m-yyyy as typed normally.
+        QString Text = QStringLiteral("%1-%2-%3").arg(When.date().day()).arg(When.date().month()).arg(When.date().year());
+        if (HasTime)
+            Text += When.time().toString(QStringLiteral(" H:mm:ss"));
+        return QLatin1Char('#') + Text + QLatin1Char('#');
+    }
     }
 }
 
@@ -394,7 +406,7 @@ QString TQxAdoBrowser::FilterTerm(int Index, const QString& Input, bool RightToL
     }
     if (Type == ftInteger && Class == fcDate) {
         const int D = AsDate(Input);
-        if (!IsRealDate(D))
+        if (!IsDateText(Input) || !IsRealDate(D))
             return Refuse(TBadValue::Date);
         return C + QStringLiteral(" = ") + QString::number(D) + QLatin1Char(')');
     }

@@ -3,6 +3,7 @@
 #include "db_guard_p.h"
 #include "platform/data/client_dataset.h"
 #include "platform/data/dataset.h"
+#include "platform/widgets.h"
 #include <QPointer>
 
 namespace Kesh {
@@ -101,6 +102,8 @@ void TxDataButton::SetEnabledWhen(TxEnabledWhenType Value)
 
 void TxDataButton::ActiveChanged()
 {
+    if (IsDesigning(m_self))
+        return;  // a button being designed stays as drawn
     if (m_link->Active()) {
         DataChanged();
         EditingChanged();
@@ -119,6 +122,8 @@ bool CanModify(const TDataLink& Link) { return Link.DataSet() && Link.DataSet()-
 
 void TxDataButton::DataChanged()
 {
+    if (IsDesigning(m_self))
+        return;  // a button being designed stays as drawn
     const TDataLink& L = *m_link;
     bool On = L.Active();
     switch (m_enabledWhen) {
@@ -131,6 +136,8 @@ void TxDataButton::DataChanged()
 
 void TxDataButton::EditingChanged()
 {
+    if (IsDesigning(m_self))
+        return;  // a button being designed stays as drawn
     const TDataLink& L = *m_link;
     bool On = L.Active();
     switch (m_enabledWhen) {

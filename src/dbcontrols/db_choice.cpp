@@ -63,6 +63,7 @@ QString TQxdbCheckBox::GetDataField() const { return d->Link.FieldName(); }
 void TQxdbCheckBox::SetDataField(const QString& Value)
 {
     d->Link.SetFieldName(Value);
+    NameAfterField(this, Value);
     FieldDataChange();
 }
 TDataSource* TQxdbCheckBox::GetDataSource() const { return d->Link.DataSource(); }

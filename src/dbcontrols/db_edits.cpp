@@ -9,10 +9,7 @@
 #include <QKeySequence>
 #include <algorithm>
 
-#if __has_include("Kesh_Form_Calendar.h")
 #include "Kesh_Form_Calendar.h"
-#define KESH_HAS_CALENDAR 1
-#endif
 
 namespace Kesh {
 
@@ -64,6 +61,12 @@ TxDataEdit<Base>::TxDataEdit(QWidget* Parent) : Base(Parent), m_link(std::make_u
         if (this->text() != ErrorMark)
             Field()->SetText(this->text());
     };
+    // A field may show itself differently in the other language (the time field's marks),
+    // also when the form keeps its own direction.
+    QObject::connect(Application(), &THostApplication::BiDiModeChanged, this, [this] {
+        if (!m_link->IsModified())
+            ShowField();
+    });
     QObject::connect(this, &QLineEdit::textChanged, this, [this](const QString& Text) {
         if (!m_showing)
             m_link->Modified();
@@ -257,11 +260,10 @@ void TQxdbEditButton::ButtonClicked()
 
 void TQxdbEditButton::PickDate()
 {
-#ifdef KESH_HAS_CALENDAR
+    // The picker opens in the calendar of the field's date (Gregorian when empty).
     int Date = Field()->AsInteger();
     if (SelectDate(Date, IsHijri(Date)))
         SetData(TQxDateField::DateText(Date));
-#endif
 }
 
 // ---- TQxdbText
@@ -271,6 +273,7 @@ TQxdbText::TQxdbText(QWidget* Parent) : TQxCustomLabel(Parent), m_link(std::make
     m_link->SetControl(this);
     m_link->OnDataChange = [this](TFieldDataLink*) { ShowField(); };
     m_link->OnActiveChange = [this](TFieldDataLink*) { ShowField(); };
+    connect(Application(), &THostApplication::BiDiModeChanged, this, [this] { ShowField(); });
 }
 
 TQxdbText::~TQxdbText()

@@ -2,7 +2,9 @@
 
 #include "messages.h"
 #include "platform/exceptions.h"
+#include "platform/widgets.h"
 #include <QPointer>
+#include <QWidget>
 
 namespace Kesh {
 
@@ -18,6 +20,22 @@ bool Guarded(QObject* Sender, const std::function<void()>& Action)
         ShowError(Error.Message, Target.data());
     }
     return false;
+}
+
+void NameAfterField(QObject* Control, const QString& FieldName)
+{
+    if (FieldName.isEmpty() || !IsDesigning(Control))
+        return;
+    auto* Widget = qobject_cast<QWidget*>(Control);
+    QObject* Form = Widget ? Widget->window() : Control->parent();
+    const QString Base = QString(FieldName).remove(QLatin1Char(' '));
+    for (const QString& Name : {QLatin1String("x") + Base, QLatin1String("xx") + Base}) {
+        QObject* Holder = Form ? Form->findChild<QObject*>(Name) : nullptr;
+        if (!Holder || Holder == Control) {
+            Control->setObjectName(Name);
+            return;
+        }
+    }
 }
 
 } // namespace Kesh

@@ -5,6 +5,7 @@
 #include "messages.h"
 #include "platform/data/dataset.h"
 #include "platform/exceptions.h"
+#include "platform/widgets.h"
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
@@ -66,6 +67,7 @@ void TQxdbImage::SetDataField(const QString& Value)
         DataChanged();
         RaiseError(QStringLiteral("Only TBlobField can be attached."), this);
     }
+    NameAfterField(this, Value);
     DataChanged();
 }
 
@@ -188,7 +190,7 @@ void TQxdbPanel::SetDataSource(TDataSource* Value) { d->DataSource = Value; }
 void TQxdbPanel::Loaded()
 {
     TQxCustomPanel::Loaded();
-    if (!d->DataSource)
+    if (!d->DataSource || IsDesigning(this))
         return;
     d->OldStateChange = d->DataSource->OnStateChange;
     // The source may outlive the panel: then it goes on calling its own handler alone.

@@ -182,6 +182,9 @@ private Q_SLOTS:
         QTest::newRow("integer date") << dtUnknown << ftInteger << fcDate << "31-1-2024" << "(C = 20240131)" << "";
         QTest::newRow("bad date") << dtUnknown << ftInteger << fcDate << "31-2-2024" << "" << "date";
         QTest::newRow("date-time legacy") << dtUnknown << ftDateTime << fcStandard << "1-2-2024" << "(C = #1-2-2024#)" << "";
+        QTest::newRow("date-time legacy, text after the year") << dtUnknown << ftDateTime << fcStandard
+                                                             << "1-2-2024-#) OR (1=1" << "" << "date";
+        QTest::newRow("integer date, text after the year") << dtUnknown << ftInteger << fcDate << "1-2-2024-x" << "" << "date";
         QTest::newRow("date-time sqlite") << dtSQLite << ftDateTime << fcStandard << "1-2-2024" << "(C = '2024-02-01')" << "";
         QTest::newRow("date-time postgres") << dtPostgreSQL << ftDateTime << fcStandard << "1-2-2024"
                                             << "(C = DATE '2024-02-01')" << "";

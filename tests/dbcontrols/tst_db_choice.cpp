@@ -267,6 +267,31 @@ private slots:
         QCOMPARE(R.Ds.State(), dsBrowse);
     }
 
+    // In the form designer a check box and an image are named after their field.
+    void namedAfterTheFieldWhenDesigned()
+    {
+        QWidget Form;
+        SetDesigning(&Form);
+        auto* Box = new TQxdbCheckBox(&Form);
+        Box->SetDataField(QStringLiteral("Is Active"));
+        QCOMPARE(Box->objectName(), QStringLiteral("xIsActive"));
+        auto* Second = new TQxdbCheckBox(&Form);
+        Second->SetDataField(QStringLiteral("IsActive"));
+        QCOMPARE(Second->objectName(), QStringLiteral("xxIsActive"));
+        auto* Image = new TQxdbImage(&Form);
+        Image->setObjectName(QStringLiteral("kept"));
+        auto* Third = new TQxdbCheckBox(&Form);
+        Third->setObjectName(QStringLiteral("kept2"));
+        Third->SetDataField(QStringLiteral("IsActive"));
+        QCOMPARE(Third->objectName(), QStringLiteral("kept2"));  // both names are taken
+        Image->SetDataField(QStringLiteral("Photo"));
+        QCOMPARE(Image->objectName(), QStringLiteral("xPhoto"));
+        QWidget Running;
+        auto* Plain = new TQxdbCheckBox(&Running);
+        Plain->SetDataField(QStringLiteral("IsActive"));
+        QCOMPARE(Plain->objectName(), QString());
+    }
+
     // The three choices edit a row of a real table.
     void database_data() { AddDriverRows(); }
     void database()

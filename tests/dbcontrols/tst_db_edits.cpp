@@ -351,6 +351,38 @@ private slots:
         QCOMPARE(Own, 1);
     }
 
+    // The real picker: the next month, confirmed, lands in the field; a cancel changes nothing.
+    void datePicker_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<int>("date");
+        QTest::newRow("next month, OK") << "btnOk" << 20240405;
+        QTest::newRow("cancel") << "btnCancel" << 20240305;
+    }
+    void datePicker()
+    {
+        QFETCH(QString, answer);
+        Row R;
+        QWidget Window;
+        auto* Edit = new TQxdbEditButton(&Window);
+        Edit->SetDataSource(&R.Source);
+        Edit->SetDataField(QStringLiteral("Day"));
+        Window.show();
+        QApplication::setActiveWindow(&Window);
+        QVERIFY(QTest::qWaitForWindowActive(&Window));
+        DialogDriver Driver;
+        Driver.OnShown = [](QWidget* Dialog) {
+            if (auto* Next = Dialog->findChild<QAbstractButton*>(QStringLiteral("btnNextMonth")))
+                QTest::mouseClick(Next, Qt::LeftButton);
+        };
+        Driver.Click(answer);
+        QTest::mouseClick(Edit->Button(), Qt::LeftButton);
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(u'\n')));
+        QCOMPARE(Driver.Seen.size(), 1);
+        R.Ds.CheckBrowseMode();
+        QTEST(R.Day->AsInteger(), "date");
+    }
+
     // Editing a row of a real table: typed date and time, posted.
     void database_data() { AddDriverRows(); }
     void database()

@@ -6,7 +6,8 @@ target_sources(tst_designer_forms PRIVATE ${CMAKE_CURRENT_LIST_DIR}/forms/custom
 # The plugin itself, loaded as Designer loads it; its property sheet is compiled in too.
 if(TARGET kesh_designer)
   find_package(Qt6 REQUIRED COMPONENTS Designer)
-  target_sources(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer/property_sheet.cpp)
+  target_sources(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer/property_sheet.cpp
+    ${PROJECT_SOURCE_DIR}/designer/font_task_menu.cpp)
   target_include_directories(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer)
   target_link_libraries(tst_designer_plugin PRIVATE Qt6::Designer)
   target_compile_definitions(tst_designer_plugin PRIVATE

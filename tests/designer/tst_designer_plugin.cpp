@@ -5,9 +5,15 @@
 #include "Kesh_Controls.h"
 #include "Kesh_dbControls.h"
 #include "Kesh_AdoDB.h"
+#include "dialog_helper.h"
+#include "font_task_menu.h"
 #include "property_sheet.h"
 
 #include <QBuffer>
+#include <QColorDialog>
+#include <QFontDatabase>
+#include <QFontDialog>
+#include <QtDesigner/QDesignerTaskMenuExtension>
 #include <QPluginLoader>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -237,6 +243,8 @@ private Q_SLOTS:
         QTest::newRow("db speed button") << "Kesh::TQxdbSpeedButton" << D << QSize(23, 22) << false;
         QTest::newRow("db bit button") << "Kesh::TQxdbBitBtn" << D << QSize(75, 25) << false;
         QTest::newRow("db icon button") << "Kesh::TQxdbIconButton" << D << QSize(75, 25) << false;
+        QTest::newRow("db image") << "Kesh::TQxdbImage" << D << QSize(105, 105) << false;
+        QTest::newRow("db panel") << "Kesh::TQxdbPanel" << D << QSize(185, 41) << true;
         const QString A = QStringLiteral("Kesh_AdoDB");
         QTest::newRow("table drop list") << "Kesh::TQxAdoDropList" << A << QSize(101, 21) << false;
         QTest::newRow("lookup drop list") << "Kesh::TQxAdoLookupDropList" << A << QSize(101, 21) << false;
@@ -289,7 +297,7 @@ private Q_SLOTS:
         QStringList Names;
         for (QDesignerCustomWidgetInterface* W : m_widgets)
             Names << W->name();
-        QCOMPARE(Names.size(), 22);
+        QCOMPARE(Names.size(), 24);
         QCOMPARE(QSet<QString>(Names.begin(), Names.end()).size(), Names.size());
     }
 
@@ -410,6 +418,7 @@ private Q_SLOTS:
         QTest::newRow("both taken") << "Kesh::TQxdbRadioGroup" << "DataField" << "Kind" << QStringList{"xKind", "xxKind"} << "QxdbRadioGroup";
         QTest::newRow("blank field") << "Kesh::TQxdbText" << "DataField" << "  " << QStringList{} << "QxdbText";
         QTest::newRow("drop list") << "Kesh::TQxdbFixedDropList" << "_DataField" << "City Code" << QStringList{} << "xCityCode";
+        QTest::newRow("image") << "Kesh::TQxdbImage" << "_DataField" << "Photo" << QStringList{} << "xPhoto";
     }
     void nameFollowsField()
     {
@@ -427,6 +436,70 @@ private Q_SLOTS:
         Sheet->setProperty(Sheet->indexOf(property), field);
         QCOMPARE(W->property(property.toLatin1().constData()).toString(), field);
         QCOMPARE(W->objectName(), expected);
+    }
+
+    void fontMenu_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QStringList>("fonts");
+        QTest::newRow("label") << "Kesh::TQxLabel" << QStringList{"Font", "_Font_a", "_Font_e"};
+        QTest::newRow("button") << "Kesh::TQxBitBtn" << QStringList{"_Font_a", "_Font_e"};
+        QTest::newRow("radio group") << "Kesh::TQxRadioGroup" << QStringList{"Font", "_Font_a", "_Font_e"};
+        QTest::newRow("edit: none") << "Kesh::TQxEdit" << QStringList{};
+    }
+    void fontMenu()
+    {
+        QFETCH(QString, name);
+        QFETCH(QStringList, fonts);
+        QWidget Form;
+        QWidget* W = Widget(name)->createWidget(&Form);
+        auto* Menu = qt_extension<QDesignerTaskMenuExtension*>(m_core->extensionManager(), W);
+        QCOMPARE(Menu != nullptr, !fonts.isEmpty());
+        if (!Menu)
+            return;
+        QStringList Offered;
+        for (QAction* A : Menu->taskActions())
+            Offered << A->objectName();
+        QCOMPARE(Offered, fonts);
+        QCOMPARE(Menu->preferredEditAction(), Menu->taskActions().first());
+    }
+
+    void fontMenuEditsFontAndColour_data()
+    {
+        QTest::addColumn<bool>("colourAccepted");
+        QTest::newRow("font and colour") << true;
+        QTest::newRow("colour dialog cancelled") << false;
+    }
+    void fontMenuEditsFontAndColour()
+    {
+        QFETCH(bool, colourAccepted);
+        QWidget Form;
+        auto* Label = static_cast<TQxLabel*>(Widget(QStringLiteral("Kesh::TQxLabel"))->createWidget(&Form));
+        Label->SetFont_e(TFont(QFont(QStringLiteral("Tahoma"), 8), clNavy, ARABIC_CHARSET));
+        auto* Menu = qt_extension<QDesignerTaskMenuExtension*>(m_core->extensionManager(), Label);
+        // A family the font dialog lists, other than the current one.
+        QString Family;
+        for (const QString& F : QFontDatabase::families())
+            if (F != QLatin1String("Tahoma") && QFontDatabase::isSmoothlyScalable(F) && Family.isEmpty())
+                Family = F;
+        QVERIFY(!Family.isEmpty());
+        KeshTest::DialogDriver Driver;
+        Driver.OnShown = [Family](QWidget* Dialog) {
+            if (auto* F = qobject_cast<QFontDialog*>(Dialog))
+                F->setCurrentFont(QFont(Family, 14));
+            if (auto* C = qobject_cast<QColorDialog*>(Dialog))
+                C->setCurrentColor(Qt::red);
+        };
+        Driver.Press(Qt::Key_Return);
+        Driver.Press(colourAccepted ? Qt::Key_Return : Qt::Key_Escape);
+        Menu->taskActions().at(2)->trigger(); // _Font_e
+        QCOMPARE(Driver.Seen.size(), 2);
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join('\n')));
+        const TFont Now = Label->GetFont_e();
+        QCOMPARE(Now.Name(), Family);
+        QCOMPARE(Now.Size(), 14);
+        QCOMPARE(Now.Color(), colourAccepted ? clRed : clNavy);
+        QCOMPARE(Now.Charset(), ARABIC_CHARSET); // not a font dialog's matter: kept
     }
 
     void itemLines_data()

@@ -59,12 +59,19 @@ public:
     quint64 version = 0;
     QString error;
     bool notifying = false;  // inside our own begin…/end… signals
+    bool custom = false;     // columns given by SetFields
+    QList<QPointer<TField>> customFields;
 
     TDataSet* DataSet() const { return source.DataSet(); }
     bool Active() const { return DataSet() && DataSet()->Active(); }
     QList<TField*> VisibleFields() const
     {
         QList<TField*> R;
+        if (custom) {
+            for (const QPointer<TField>& F : customFields)
+                R << (F && F->DataSet() == DataSet() ? F.data() : nullptr);
+            return R;
+        }
         if (Active())
             for (TField* F : DataSet()->Fields())
                 if (F->Visible())
@@ -73,22 +80,12 @@ public:
     }
 };
 
-// Points the dataset's field reads at one row and back.
-class TRowReader
+TRowReader::TRowReader(TDataSet* DataSet, int Row) : m_dataSet(DataSet), m_saved(DataSet->ActiveRow())
 {
-public:
-    TRowReader(TDataSet* DataSet, int Row) : m_dataSet(DataSet), m_saved(DataSet->ActiveRow())
-    {
-        m_dataSet->SetActiveRow(Row);
-    }
-    ~TRowReader() { m_dataSet->SetActiveRow(m_saved); }
-    TRowReader(const TRowReader&) = delete;
-    TRowReader& operator=(const TRowReader&) = delete;
+    m_dataSet->SetActiveRow(Row);
+}
 
-private:
-    TDataSet* m_dataSet;
-    int m_saved;
-};
+TRowReader::~TRowReader() { m_dataSet->SetActiveRow(m_saved); }
 
 void TDataSetModelLink::RecordChanged(TField*)
 {
@@ -111,6 +108,22 @@ void TDataSetModel::SetDataSet(TDataSet* Value)
     if (Value == d->DataSet())
         return;
     d->source.SetDataSet(Value);
+    Reset();
+}
+
+void TDataSetModel::SetFields(const QList<TField*>& Fields)
+{
+    d->custom = true;
+    d->customFields.clear();
+    for (TField* F : Fields)
+        d->customFields << F;
+    Reset();
+}
+
+void TDataSetModel::ClearFields()
+{
+    d->custom = false;
+    d->customFields.clear();
     Reset();
 }
 
@@ -196,7 +209,7 @@ QVariant TDataSetModel::data(const QModelIndex& Index, int Role) const
 QVariant TDataSetModel::headerData(int Section, Qt::Orientation Orientation, int Role) const
 {
     if (Orientation == Qt::Horizontal && Section >= 0 && Section < d->columns.size()) {
-        if (Role == Qt::DisplayRole)
+        if (Role == Qt::DisplayRole && d->columns[Section])
             return d->columns[Section]->DisplayLabel();
         return QVariant();
     }

@@ -12,6 +12,21 @@ class TDataSet;
 class TDataSource;
 class TField;
 
+/// Points a dataset's field reads at one view row for its lifetime, then back; the cursor
+/// does not move and no event is sent.
+class KESH_EXPORT TRowReader
+{
+public:
+    TRowReader(TDataSet* DataSet, int Row);
+    ~TRowReader();
+    TRowReader(const TRowReader&) = delete;
+    TRowReader& operator=(const TRowReader&) = delete;
+
+private:
+    TDataSet* m_dataSet;
+    int m_saved;
+};
+
 /// Table model over a dataset: one column per visible field (header: DisplayLabel), one
 /// row per row the dataset has read so far. DisplayRole is the field's DisplayText,
 /// EditRole its value, TextAlignmentRole its Alignment. Rows are read from the dataset's
@@ -28,6 +43,11 @@ public:
     TDataSet* DataSet() const;
     /// Shows the dataset (nullptr: an empty model); the model listens through its own link.
     void SetDataSet(TDataSet* Value);
+    /// Shows these fields as the columns, in this order (a nullptr column stays empty),
+    /// instead of the dataset's visible fields: a grid's own column list.
+    void SetFields(const QList<TField*>& Fields);
+    /// Back to one column per visible field.
+    void ClearFields();
     /// The field shown in column Column, or nullptr.
     TField* FieldAt(int Column) const;
     /// The model row of the dataset's cursor, or -1.

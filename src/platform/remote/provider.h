@@ -22,7 +22,7 @@ Q_ENUM_NS(TUpdateMode)
 enum TResolverResponse { rrSkip, rrAbort, rrMerge, rrApply, rrIgnore };
 Q_ENUM_NS(TResolverResponse)
 /// What a client's OnReconcileError decides for a row the server refused.
-enum TReconcileAction { raSkip, raAbort, raMerge, raCorrect, raCancel, raRefresh };
+enum TReconcileAction : int { raSkip, raAbort, raMerge, raCorrect, raCancel, raRefresh };
 Q_ENUM_NS(TReconcileAction)
 } // namespace Remote
 using namespace Remote;
@@ -46,6 +46,18 @@ class KESH_EXPORT EProviderRequestError : public EDatabaseError
 {
 public:
     using EDatabaseError::EDatabaseError;
+};
+
+/// A change the server refused, as the client's OnReconcileError sees it. Record is the
+/// change (a handler correcting it for raCorrect changes its NewValues); CurrentValues the
+/// row as the database holds it now.
+class KESH_EXPORT EReconcileError : public EDatabaseError
+{
+public:
+    explicit EReconcileError(const QString& Message) : EDatabaseError(Message) {}
+    TDeltaRecord Record;
+    TRecordValues CurrentValues;
+    bool HasCurrentValues = false;
 };
 
 using TRemoteEvent = std::function<void(QObject* Sender, QJsonValue& OwnerData)>;
