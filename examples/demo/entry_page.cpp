@@ -44,8 +44,8 @@ EntryPage::EntryPage(const QString& DatabaseFile, QWidget* Parent)
     m_customer = Form.edtCustomer;
     m_date = Form.edbDate;
     m_time = Form.tmeDelivery;
+    m_city = Form.dplCity;
     OpenDatabase(DatabaseFile);
-    BuildCityList(Form.dplCity);
     m_quantity = Form.edtQuantity;
     m_price = Form.edtPrice;
     m_hasDiscount = Form.chkDiscount;
@@ -73,9 +73,10 @@ EntryPage::EntryPage(const QString& DatabaseFile, QWidget* Parent)
     connect(m_clear, &QAbstractButton::clicked, this, &EntryPage::Clear);
     BuildCustomerPicker();
 
-    // Binds the discount check box to the edit it names (_ControlName) and ends the
-    // building of every component.
+    // Binds the discount check box to the edit it names (_ControlName) and the city list to
+    // the connection it names (_ConnectionName), and ends the building of every component.
     Kesh::EndLoading(this);
+    m_city->FillDataList();
     FillSample();
     Retranslate();
 }
@@ -114,27 +115,6 @@ void EntryPage::OpenDatabase(const QString& DatabaseFile)
     } catch (const Exception& E) {
         ShowError(E.Message);
     }
-}
-
-// The city list of the .ui file is replaced by one read from the Cities table.
-void EntryPage::BuildCityList(QWidget* Placeholder)
-{
-    m_city = new TQxAdoDropList(Placeholder->parentWidget());
-    m_city->setObjectName(QStringLiteral("dplCity"));
-    m_city->SetFixedSize(2);
-    m_city->SetLimitToList(true);
-    m_city->SetShowKey(false);
-    m_city->SetConnection(m_conn);
-    m_city->SetListTable(QStringLiteral("Cities"));
-    m_city->SetListKey(QStringLiteral("Code"));
-    m_city->SetListField_a(QStringLiteral("Name_a"));
-    m_city->SetListField_e(QStringLiteral("Name_e"));
-    m_city->SetOrderBy(QStringLiteral("Name_e"));
-    if (QLayout* Layout = Placeholder->parentWidget()->layout())
-        delete Layout->replaceWidget(Placeholder, m_city, Qt::FindChildrenRecursively);
-    QWidget::setTabOrder(Placeholder, m_city);
-    delete Placeholder;
-    m_city->FillDataList();
 }
 
 // A "..." button (F4) by the customer box opens the browser of the customers.

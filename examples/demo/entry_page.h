@@ -39,7 +39,6 @@ public:
 private:
     void OpenDatabase(const QString& DatabaseFile);
     void BuildCustomerPicker();
-    void BuildCityList(QWidget* Placeholder);
     void FillSample();
     void UpdateTotal();
     long double LineTotal() const;

@@ -4,16 +4,14 @@
 #include <Kesh_AdoDB.h>
 #include <Kesh_Controls.h>
 #include <Kesh_dbControls.h>
+#include "ui_item_card_page.h"
 
 #include <QBuffer>
 #include <QFileDialog>
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QStyle>
-#include <QVBoxLayout>
 
 using namespace Kesh;
 
@@ -39,29 +37,30 @@ QByteArray Picture(const QColor& Color, const char* Format)
     return Bytes;
 }
 
-// A caption in both languages, following the language switch by itself.
-TQxLabel* Caption(const QString& Arabic, const QString& English)
-{
-    auto* Label = new TQxLabel;
-    Label->SetAutoSize(false);  // the grid places it, never narrower than its text
-    Label->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
-    Label->SetCaptionA(Arabic);
-    Label->SetCaptionE(English);
-    return Label;
-}
-
 } // namespace
 
 ItemCardPage::ItemCardPage(const QString& DatabaseFile, QWidget* Parent)
     : DemoPage(Parent), m_conn(new TQxAdoConnection(this)), m_items(new TADOTable(this)), m_source(new TDataSource(this))
 {
-    auto* Layout = new QVBoxLayout(this);
-    m_note = new QLabel;
-    m_note->setWordWrap(true);
-    Layout->addWidget(m_note);
-    BuildToolBar(Layout);
-    Layout->addWidget(BuildCard(), 1);
-    // Built: the panel hooks its data source now; opening the items sets every state.
+    // The card is made in Qt Designer (item_card_page.ui): every button knows its action and
+    // every field its column there, and all name the data source "dsItems" made here.
+    m_source->setObjectName(QStringLiteral("dsItems"));
+    Ui::ItemCardPage Form;
+    Form.setupUi(this);
+    m_note = Form.lblNote;
+    m_photo = Form.xPhoto;
+    m_loadPhoto = Form.btnLoadPhoto;
+    const std::pair<QAbstractButton*, QStyle::StandardPixmap> Icons[] = {
+        {Form.btnFirst, QStyle::SP_MediaSkipBackward}, {Form.btnPrior, QStyle::SP_MediaSeekBackward},
+        {Form.btnNext, QStyle::SP_MediaSeekForward}, {Form.btnLast, QStyle::SP_MediaSkipForward},
+        {Form.btnAdd, QStyle::SP_FileDialogNewFolder}, {Form.btnEdit, QStyle::SP_FileDialogDetailedView},
+        {Form.btnSave, QStyle::SP_DialogSaveButton}, {Form.btnCancel, QStyle::SP_DialogCancelButton},
+        {Form.btnDelete, QStyle::SP_TrashIcon}};
+    for (const auto& [Button, Icon] : Icons)
+        Button->setIcon(style()->standardIcon(Icon));
+    connect(m_loadPhoto, &QPushButton::clicked, this, &ItemCardPage::LoadPicture);
+    // Built: the names are bound and the panel hooks its data source; opening the items
+    // sets every state.
     EndLoading(this);
     OpenItems(DatabaseFile);
     Retranslate();
@@ -137,119 +136,6 @@ void ItemCardPage::CreateTable()
         m_items->Post();
     }
     m_items->First();
-}
-
-// First, prior, next, last, add, edit, save, cancel, delete: each button is told its action
-// and its data source, and enables itself; there is no code behind them.
-void ItemCardPage::BuildToolBar(QBoxLayout* Layout)
-{
-    struct Action { TxActionType Type; QStyle::StandardPixmap Icon; const char* Arabic; const char* English; const char* Key; };
-    const Action Actions[] = {
-        {atFirst, QStyle::SP_MediaSkipBackward, "الأول", "First", "Ctrl+Home"},
-        {atPrior, QStyle::SP_MediaSeekBackward, "السابق", "Prior", "Ctrl+PgUp"},
-        {atNext, QStyle::SP_MediaSeekForward, "التالي", "Next", "Ctrl+PgDown"},
-        {atLast, QStyle::SP_MediaSkipForward, "الأخير", "Last", "Ctrl+End"},
-        {atAdd, QStyle::SP_FileDialogNewFolder, "إضافة", "Add", "Ctrl+N"},
-        {atEdit, QStyle::SP_FileDialogDetailedView, "تعديل", "Edit", "Ctrl+E"},
-        {atSave, QStyle::SP_DialogSaveButton, "حفظ", "Save", "Ctrl+S"},
-        {atCancel, QStyle::SP_DialogCancelButton, "تراجع", "Cancel", "Ctrl+Z"},
-        {atDelete, QStyle::SP_TrashIcon, "حذف", "Delete", "Ctrl+D"},
-    };
-    auto* Bar = new QHBoxLayout;
-    Bar->setSpacing(2);
-    for (const Action& A : Actions) {
-        auto* Button = new TQxdbSpeedButton;
-        Button->setObjectName(QStringLiteral("btn") + QLatin1String(A.English));
-        Button->setIcon(style()->standardIcon(A.Icon));
-        Button->SetCaptionA(QString::fromUtf8(A.Arabic));
-        Button->SetCaptionE(QLatin1String(A.English));
-        Button->SetHotKey(QKeySequence(QLatin1String(A.Key)));
-        Button->SetAction(A.Type);
-        Button->SetDataSource(m_source);
-        Bar->addWidget(Button);
-    }
-    Bar->addStretch();
-    Layout->addLayout(Bar);
-}
-
-QWidget* ItemCardPage::BuildCard()
-{
-    auto* Card = new QWidget;
-    auto* Row = new QHBoxLayout(Card);
-    // The fields sit on a panel that is usable only while the item is being edited.
-    auto* Panel = new TQxdbPanel;
-    Panel->BeginLoading();
-    Panel->SetEnabledWhen(txEditing);
-    Panel->SetDataSource(m_source);
-    Panel->setFrameShape(QFrame::StyledPanel);
-    auto* Grid = new QGridLayout(Panel);
-    int Line = 0;
-    auto Add = [&](TQxLabel* Label, QWidget* Control) {
-        Grid->addWidget(Label, Line, 0);
-        Grid->addWidget(Control, Line++, 1);
-    };
-    auto Edit = [this](const char* Field, int Size) {
-        auto* E = new TQxdbEdit;
-        E->SetFixedSize(Size);
-        E->SetDataSource(m_source);
-        E->SetDataField(QLatin1String(Field));
-        return E;
-    };
-    auto* Number = new TQxdbText;
-    Number->SetDataSource(m_source);
-    Number->SetDataField(QStringLiteral("Item_id"));
-    Add(Caption(QStringLiteral("رقم الصنف"), QStringLiteral("Item number")), Number);
-    Add(Caption(QStringLiteral("الاسم بالعربية"), QStringLiteral("Arabic name")), Edit("Name_a", 2));
-    Add(Caption(QStringLiteral("الاسم بالإنجليزية"), QStringLiteral("English name")), Edit("Name_e", 2));
-    Add(Caption(QStringLiteral("السعر"), QStringLiteral("Price")), Edit("Price", 1));
-    auto* Added = new TQxdbEditButton;
-    Added->SetFixedSize(1);
-    Added->SetDataSource(m_source);
-    Added->SetDataField(QStringLiteral("Added"));
-    Add(Caption(QStringLiteral("تاريخ الإضافة"), QStringLiteral("Added on")), Added);
-    Add(Caption(QStringLiteral("يفتح الساعة"), QStringLiteral("Opens at")), Edit("Opens", 1));
-    auto* Unit = new TQxdbFixedDropList;
-    Unit->SetItems_a({QStringLiteral("قطعة"), QStringLiteral("علبة"), QStringLiteral("كيلوغرام")});
-    Unit->SetItems_e({QStringLiteral("Piece"), QStringLiteral("Box"), QStringLiteral("Kilogram")});
-    Unit->SetValues({QStringLiteral("pc"), QStringLiteral("box"), QStringLiteral("kg")});
-    Unit->SetDataSource(m_source);
-    Unit->SetDataField(QStringLiteral("Unit"));
-    Add(Caption(QStringLiteral("الوحدة"), QStringLiteral("Unit")), Unit);
-    auto* Active = new TQxdbCheckBox;
-    Active->SetCaptionA(QStringLiteral("صنف فعال"));
-    Active->SetCaptionE(QStringLiteral("Active item"));
-    Active->setMinimumWidth(160);
-    Active->SetValueChecked(QStringLiteral("Y"));
-    Active->SetValueUnchecked(QStringLiteral("N"));
-    Active->SetDataSource(m_source);
-    Active->SetDataField(QStringLiteral("Active"));
-    Grid->addWidget(Active, Line++, 1);
-    auto* Kind = new TQxdbRadioGroup;
-    Kind->SetCaptionA(QStringLiteral("النوع"));
-    Kind->SetCaptionE(QStringLiteral("Kind"));
-    Kind->SetItems_a({QStringLiteral("بضاعة"), QStringLiteral("خدمة"), QStringLiteral("مجموعة")});
-    Kind->SetItems_e({QStringLiteral("Goods"), QStringLiteral("Service"), QStringLiteral("Package")});
-    Kind->SetColumns(3);
-    Kind->SetValues({QStringLiteral("G"), QStringLiteral("S"), QStringLiteral("P")});
-    Kind->SetDataSource(m_source);
-    Kind->SetDataField(QStringLiteral("Kind"));
-    Grid->addWidget(Kind, Line++, 0, 1, 2);
-    Grid->setRowStretch(Line, 1);
-    Grid->setColumnStretch(1, 1);
-    Row->addWidget(Panel, 3);
-    // The picture from the blob column, and a button to store a picture file in it.
-    auto* Side = new QVBoxLayout;
-    m_photo = new TQxdbImage;
-    m_photo->setMinimumSize(200, 160);
-    m_photo->setAccessibleName(QStringLiteral("Item photo"));
-    m_photo->SetDataSource(m_source);
-    m_photo->SetDataField(QStringLiteral("Photo"));
-    Side->addWidget(m_photo, 1);
-    m_loadPhoto = new QPushButton;
-    connect(m_loadPhoto, &QPushButton::clicked, this, &ItemCardPage::LoadPicture);
-    Side->addWidget(m_loadPhoto);
-    Row->addLayout(Side, 2);
-    return Card;
 }
 
 void ItemCardPage::LoadPicture()

@@ -24,8 +24,6 @@ public:
 private:
     void OpenItems(const QString& DatabaseFile);
     void CreateTable();
-    void BuildToolBar(class QBoxLayout* Layout);
-    QWidget* BuildCard();
     void LoadPicture();
 
     Kesh::TQxAdoConnection* m_conn;

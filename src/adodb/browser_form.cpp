@@ -8,6 +8,7 @@
 #include "controls/label.h"
 #include "core/messages.h"
 #include "core/resources.h"
+#include "dbgrid/Kesh_dbGrid.h"
 #include "platform/data.h"
 #include "platform/graphics.h"
 #include "platform/widgets.h"
@@ -15,11 +16,9 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QIcon>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QStyledItemDelegate>
-#include <QTableView>
 #include <QVBoxLayout>
 
 namespace Kesh {
@@ -47,71 +46,13 @@ TQxSpeedButton* NewBrowserButton(QWidget* Parent, const char* Name, const char* 
 }
 
 namespace {
-
 constexpr quint32 SortColor = 0xF0FFFF;  // colours are $00BBGGRR
-const QColor TitleText(0x80, 0x00, 0x80);
-
-QColor ToQColor(quint32 C) { return QColor(C & 0xFF, (C >> 8) & 0xFF, (C >> 16) & 0xFF); }
-
-// Cells painted on their column's colour.
-class TBrowserDelegate : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    QList<QPair<quint32, quint32>>* Colors = nullptr;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* Option, const QModelIndex& Index) const override
-    {
-        QStyledItemDelegate::initStyleOption(Option, Index);
-        if (Colors && Index.column() < Colors->size())
-            Option->backgroundBrush = ToQColor((*Colors)[Index.column()].first);
-    }
-};
-
-// Titles in bold purple on their column's title colour; a click sorts.
-class TBrowserHeader : public QHeaderView
-{
-public:
-    explicit TBrowserHeader(QWidget* Parent) : QHeaderView(Qt::Horizontal, Parent)
-    {
-        setSectionsClickable(true);
-        setHighlightSections(false);
-        QFont F = font();
-        F.setBold(true);
-        setFont(F);
-    }
-    QList<QPair<quint32, quint32>>* Colors = nullptr;
-
-protected:
-    void paintSection(QPainter* Painter, const QRect& Rect, int Section) const override
-    {
-        Painter->save();
-        const QColor Back = Colors && Section < Colors->size() ? ToQColor((*Colors)[Section].second)
-                                                               : palette().button().color();
-        Painter->fillRect(Rect, Back);
-        Painter->setPen(palette().mid().color());
-        Painter->drawLine(Rect.topRight(), Rect.bottomRight());
-        Painter->drawLine(Rect.bottomLeft(), Rect.bottomRight());
-        Painter->setPen(TitleText);
-        Painter->setFont(font());
-        const QString Text = model() ? model()->headerData(Section, orientation()).toString() : QString();
-        Painter->drawText(Rect.adjusted(2, 0, -2, 0), Qt::AlignCenter, Text);
-        Painter->restore();
-    }
-};
-
 } // namespace
 
 class TAdoBrowserFormPrivate
 {
 public:
-    TDataSetModel Model;
-    TBrowserDelegate* Delegate = nullptr;
-    TBrowserHeader* Header = nullptr;
-    QList<QPair<quint32, quint32>> Colors;
     QList<QPointer<TField>> ItemFields;  // per browser column; null for a refused type
-    QList<int> ItemColumns;              // grid column per browser column; -1 without one
     bool Opened = false;
 };
 
@@ -150,29 +91,17 @@ TAdoBrowserForm::TAdoBrowserForm(QWidget* AOwner, TQxAdoBrowser* Browser)
     ds->setObjectName(QStringLiteral("ds"));
     ds->SetDataSet(db);
 
-    G = new QTableView(this);
+    G = new TQxdbGrid(this);
     G->setObjectName(QStringLiteral("G"));
-    d->Header = new TBrowserHeader(G);
-    d->Header->Colors = &d->Colors;
-    G->setHorizontalHeader(d->Header);
-    d->Delegate = new TBrowserDelegate(G);
-    d->Delegate->Colors = &d->Colors;
-    G->setItemDelegate(d->Delegate);
-    G->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    G->setSelectionBehavior(QAbstractItemView::SelectRows);
-    G->setSelectionMode(QAbstractItemView::SingleSelection);
-    G->setTabKeyNavigation(false);
-    G->verticalHeader()->setDefaultSectionSize(20);
-    G->verticalHeader()->setFixedWidth(12);
-    d->Model.SetDataSet(db);
-    G->setModel(&d->Model);
-    connect(G->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex& Current) {
-                if (Current.isValid() && db->Active() && db->RecNo() != Current.row() + 1)
-                    db->SetRecNo(Current.row() + 1);
-            });
-    connect(G, &QAbstractItemView::doubleClicked, this, [this] { GDblClick(); });
-    connect(d->Header, &QHeaderView::sectionClicked, this, [this](int Column) { GTitleClick(Column); });
+    G->SetReadOnly(true);
+    G->SetOptions(dgTitles | dgIndicator | dgColumnResize | dgColLines | dgRowLines | dgRowSelect
+                  | dgAlwaysShowSelection | dgTitleClick | dgTitleHotTrack);
+    G->SetDataSource(ds);
+    G->OnTitleClick = [this](TQxColumn* Column) {
+        if (Column)
+            GTitleClick(Column->Index());
+    };
+    G->viewport()->installEventFilter(this);
 
     ToolBar = new QWidget(this);
     ToolBar->setObjectName(QStringLiteral("ToolBar"));
@@ -222,7 +151,7 @@ TAdoBrowserForm::TAdoBrowserForm(QWidget* AOwner, TQxAdoBrowser* Browser)
 
 TAdoBrowserForm::~TAdoBrowserForm()
 {
-    d->Model.SetDataSet(nullptr);
+    G->SetDataSource(nullptr);
 }
 
 bool TAdoBrowserForm::RightToLeft() const
@@ -295,14 +224,12 @@ TField* NewItemField(const TQxAdoBrowserItem* Item, QObject* Owner)
 void TAdoBrowserForm::BuildColumns()
 {
     d->ItemFields.clear();
-    d->ItemColumns.clear();
     if (!m_browser)
         return;
     db->Close();
     db->SetConnection(m_browser->GetConnection());
     const bool Rtl = RightToLeft();
     const TQxAdoBrowserCollection* Items = m_browser->BrowserItems();
-    int Column = 0;
     for (int i = 0; i < Items->Count(); ++i) {
         const TQxAdoBrowserItem* Item = Items->Items(i);
         const QString Name = Item->FieldName(Rtl);
@@ -313,33 +240,45 @@ void TAdoBrowserForm::BuildColumns()
             F->SetFieldName(Name);
             F->SetFieldKind(fkData);
             F->SetDisplayWidth(Item->GetWidth());
-            F->SetDisplayLabel(Rtl ? Item->GetCaption_a() : Item->GetCaption_e());
             F->SetDataSet(db);
         }
         d->ItemFields << F;
-        d->ItemColumns << (F ? Column++ : -1);
+    }
+    // Every column gets a grid column, a refused one too (it shows empty).
+    G->GetColumns()->Clear();
+    for (int i = 0; i < Items->Count(); ++i) {
+        const TQxAdoBrowserItem* Item = Items->Items(i);
+        TQxColumn* Column = G->GetColumns()->Add();
+        Column->GetBiDiField()->SetFieldName_a(Item->GetFieldName_a());
+        Column->GetBiDiField()->SetFieldName_e(Item->GetFieldName_e());
+        TQxColumnTitle* Title = Column->GetTitle();
+        TFont Font = Title->GetFont_e();  // bold purple
+        Font.SetSize(8);
+        Title->SetFont_a(Font);
+        Title->SetFont_e(Font);
+        Title->SetCaptionA(Item->GetCaption_a());
+        Title->SetCaptionE(Item->GetCaption_e());
+        Title->SetAlignment(Qt::AlignCenter);
+        Column->SetVisible(Item->GetWidth() > 0);
     }
 }
 
 void TAdoBrowserForm::ColorGrid()
 {
-    d->Colors.clear();
-    int Columns = 0;
-    for (const int C : d->ItemColumns)
-        Columns = std::max(Columns, C + 1);
-    for (int c = 0; c < Columns; ++c)
-        d->Colors << (c % 2 == 0 ? qMakePair(quint32(0xFFFFFF), quint32(0xC8F0FA))
-                                 : qMakePair(quint32(0xF0F0F0), quint32(0xB4DCE6)));
-    const int SortColumn = SortIndex >= 0 && SortIndex < d->ItemColumns.size() ? d->ItemColumns[SortIndex] : -1;
-    if (SortColumn >= 0 && SortColumn < d->Colors.size())
-        d->Colors[SortColumn].first = SortColor;
-    G->viewport()->update();
-    d->Header->viewport()->update();
+    TQxDBGridColumns* Columns = G->GetColumns();
+    for (int c = 0; c < Columns->Count(); ++c) {
+        Columns->Items(c)->SetColor(c == SortIndex ? SortColor : c % 2 == 0 ? 0xFFFFFF : 0xF0F0F0);
+        Columns->Items(c)->GetTitle()->SetColor(c % 2 == 0 ? 0xC8F0FA : 0xB4DCE6);
+    }
 }
 
 QList<QPair<quint32, quint32>> TAdoBrowserForm::ColumnColors() const
 {
-    return d->Colors;
+    QList<QPair<quint32, quint32>> Colors;
+    const TQxDBGridColumns* Columns = G->GetColumns();
+    for (int c = 0; c < Columns->Count(); ++c)
+        Colors << qMakePair(quint32(Columns->Items(c)->GetColor()), quint32(Columns->Items(c)->GetTitle()->GetColor()));
+    return Colors;
 }
 
 void TAdoBrowserForm::OpenData()
@@ -357,13 +296,6 @@ void TAdoBrowserForm::OpenData()
         throw;
     }
     db->EnableControls();
-    // Hidden columns stay in the rows: their values are still returned.
-    const TQxAdoBrowserCollection* Items = m_browser->BrowserItems();
-    for (int i = 0; i < d->ItemColumns.size(); ++i)
-        if (d->ItemColumns[i] >= 0)
-            G->setColumnHidden(d->ItemColumns[i], Items->Items(i)->GetWidth() <= 0);
-    if (d->Model.rowCount() > 0)
-        G->setCurrentIndex(d->Model.index(0, std::max(0, d->ItemColumns.value(SortIndex, 0))));
 }
 
 void TAdoBrowserForm::AdjustColumnsSize()
@@ -376,14 +308,14 @@ void TAdoBrowserForm::AdjustColumnsSize()
         T += Items->Items(i)->GetWidth();
     if (T <= 0)
         return;
+    TQxDBGridColumns* Columns = G->GetColumns();
     int A = G->viewport()->width();
-    if (G->showGrid())
-        A -= d->Model.columnCount() + 4;
-    if (G->verticalHeader()->isVisible())
+    if (G->GetOptions() & dgColLines)
+        A -= Columns->Count() + 4;
+    if (G->GetOptions() & dgIndicator)
         A -= 10;
-    for (int i = 0; i < Items->Count() && i < d->ItemColumns.size(); ++i)
-        if (d->ItemColumns[i] >= 0)
-            G->setColumnWidth(d->ItemColumns[i], Items->Items(i)->GetWidth() * A / T);
+    for (int i = 0; i < Items->Count() && i < Columns->Count(); ++i)
+        Columns->Items(i)->SetWidth(Items->Items(i)->GetWidth() * A / T);
 }
 
 TField* TAdoBrowserForm::ItemField(int Index) const
@@ -425,11 +357,10 @@ void TAdoBrowserForm::GDblClick()
 
 void TAdoBrowserForm::GTitleClick(int Column)
 {
-    const int Item = int(d->ItemColumns.indexOf(Column));
-    if (Item < 0)
+    if (Column < 0)
         return;
     F1->setFocus();
-    SortIndex = Item;
+    SortIndex = Column;
     ColorGrid();
     OpenData();
 }
@@ -442,6 +373,11 @@ void TAdoBrowserForm::F1Change()
 
 bool TAdoBrowserForm::eventFilter(QObject* Watched, QEvent* Event)
 {
+    if (Watched == G->viewport() && Event->type() == QEvent::MouseButtonDblClick
+        && static_cast<QMouseEvent*>(Event)->button() == Qt::LeftButton) {
+        GDblClick();
+        return true;
+    }
     if (Event->type() == QEvent::KeyPress) {
         auto* Key = static_cast<QKeyEvent*>(Event);
         const auto Mods = Key->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);

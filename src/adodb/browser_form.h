@@ -8,8 +8,6 @@
 #include <QVariant>
 #include <memory>
 
-class QTableView;
-
 namespace Kesh {
 
 class TADOQuery;
@@ -20,6 +18,7 @@ class TQxEdit;
 class TQxForm;
 class TQxLabel;
 class TQxSpeedButton;
+class TQxdbGrid;
 
 /// The modal form of TQxAdoBrowser::ShowBrowser.
 ///
@@ -48,7 +47,7 @@ public:
     QVariant ItemValue(int Index) const;
     /// The field made for browser column Index, or nullptr for a refused type.
     TField* ItemField(int Index) const;
-    /// The grid column colours ColorGrid gave, as TColor (cell, title) per column.
+    /// The grid's column colours, as TColor (cell, title) per column.
     QList<QPair<quint32, quint32>> ColumnColors() const;
 
     int SortIndex = 0;
@@ -59,7 +58,7 @@ public:
     QWidget* TopPanel;
     TQxLabel* lblSearch;
     TQxEdit* F1;
-    QTableView* G;
+    TQxdbGrid* G;
     QWidget* ToolBar;
     TQxSpeedButton* btnOk;
     TQxSpeedButton* btnCancel;

@@ -6,6 +6,7 @@
 #include "platform/data/data_source.h"
 #include "platform/data/fields.h"
 #include "platform/rtl/strings.h"
+#include "platform/widgets.h"
 
 #include <QEvent>
 #include <QPointer>
@@ -95,7 +96,7 @@ void TQxAdoDropList::Requery()
 
 void TQxAdoDropList::Rebuild()
 {
-    if (m_src.Busy || !m_src.CanRefill())
+    if (m_src.Busy || !m_src.CanRefill() || IsDesigning(this))
         return;
     m_src.Busy = true;
     const QString Key = Data();
@@ -194,6 +195,8 @@ void TQxAdoLookupDropList::FillDataList()
 
 void TQxAdoLookupDropList::Requery()
 {
+    if (IsDesigning(this))
+        return;
     if (!m_src.Query()->Connection())
         RaiseError(objectName() + QStringLiteral(": No connection assigned."));
     if (!m_src.CanRefill() || m_src.Busy)

@@ -15,9 +15,11 @@
 #include "platform/keyboard.h"
 #include <QAbstractButton>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QHash>
+#include <QLocale>
 #include <QMimeData>
 #include <QPainter>
 #include <QPointer>
@@ -148,6 +150,9 @@ TQxCustomDBGrid::TQxCustomDBGrid(QWidget* Parent) : QTableView(Parent), d(new TQ
     setDragDropMode(QAbstractItemView::DropOnly);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
 
+    // Korean input composes in the cell, so the editor is always open there.
+    if (QLocale::system().language() == QLocale::Korean)
+        d->Options |= dgAlwaysShowEditor;
     d->Corner = findChild<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
     if (d->Corner)
         d->Corner->installEventFilter(this);
@@ -1082,6 +1087,19 @@ void TQxCustomDBGrid::SelectRange(int From, int To)
 }
 
 void TQxCustomDBGrid::mouseDoubleClickEvent(QMouseEvent* Event) { QTableView::mouseDoubleClickEvent(Event); }
+
+void TQxCustomDBGrid::contextMenuEvent(QContextMenuEvent* Event)
+{
+    // A column's own pop-up menu, else the grid's context menu as Qt gives it.
+    const QModelIndex Index = indexAt(viewport()->mapFrom(this, Event->pos()));
+    TQxColumn* C = d->Columns.Items(Index.isValid() ? Index.column() : -1);
+    if (C && C->GetPopupMenu()) {
+        C->GetPopupMenu()->exec(Event->globalPos());
+        Event->accept();
+        return;
+    }
+    QTableView::contextMenuEvent(Event);
+}
 
 void TQxCustomDBGrid::focusInEvent(QFocusEvent* Event)
 {

@@ -4,6 +4,7 @@
 #include <KeshForm_AdoBrowserFilter.h>
 #include <Kesh_AdoDB.h>
 #include <Kesh_Controls.h>
+#include <Kesh_dbGrid.h>
 
 #include "db_test_helper.h"
 #include "dialog_helper.h"
@@ -171,6 +172,10 @@ private Q_SLOTS:
                                                 {0xFFFFFF, 0xC8F0FA}, {0xF0F0F0, 0xB4DCE6}}));
         QHeaderView* Header = Form.G->horizontalHeader();
         QVERIFY(Form.G->isColumnHidden(3));  // width 0: hidden, still read
+        const TQxColumnTitle* Title = Form.G->GetColumns()->Items(0)->GetTitle();
+        QCOMPARE(Title->GetCaption(), arabic ? QStringLiteral("الاسم") : QStringLiteral("Name"));
+        QVERIFY(Title->GetFont().Style() & fsBold);
+        QCOMPARE(quint32(Title->GetFont().Color()), quint32(0x800080));
         QTest::mouseClick(Header->viewport(), Qt::LeftButton, {},
                           QPoint(Header->sectionViewportPosition(1) + Header->sectionSize(1) / 2, 5));
         QCOMPARE(Form.SortIndex, 1);
@@ -278,7 +283,7 @@ private Q_SLOTS:
         Form.btnOk->Click();
         QVERIFY(Form.isVisible());
         Form.F1->clear();
-        QTest::keyClick(Form.F1, Qt::Key_Return);
+        QTest::mouseDClick(Form.G->viewport(), Qt::LeftButton, {}, Form.G->visualRect(Form.G->model()->index(1, 0)).center());
         QVERIFY(!Form.isVisible());
         QCOMPARE(Form.result(), 1);
     }

@@ -53,9 +53,11 @@ public:
         QVector<int> keyColumns;  // dataset columns of the primary key
     };
     std::unique_ptr<TMeta> meta;
-    // The statement of the row being written: kept until its savepoint is rolled back, as
-    // PostgreSQL cannot free a prepared statement inside a failed transaction.
-    std::unique_ptr<QSqlQuery> rowQuery;
+    // The prepared statements of one apply, by text: rows that change the same columns
+    // reuse one. They are freed after the transaction ends, as PostgreSQL cannot free a
+    // prepared statement inside a failed transaction.
+    QHash<QString, std::shared_ptr<QSqlQuery>> statements;
+    QSqlQuery& Statement(const QString& Sql);
 
     TDataSetProvider* q = nullptr;
 
@@ -257,8 +259,6 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
     if (meta->table.isEmpty())
         DatabaseError(SNoKey());
     QSqlDriver* Driver = Db().driver();
-    rowQuery = std::make_unique<QSqlQuery>(Db());
-    QSqlQuery& Q = *rowQuery;
     QString Sql;
     QSqlRecord Values, Where;
     if (Row.UpdateKind == ukInsert || Row.UpdateKind == ukModify) {
@@ -290,15 +290,31 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
               + Driver->sqlStatement(QSqlDriver::WhereStatement, meta->table, Where, true);
         break;
     }
-    if (!Q.prepare(Sql))
-        TADOConnection::RaiseSqlError(Q.lastError());
+    QSqlQuery& Q = Statement(Sql);
+    int Position = 0;
     for (int i = 0; i < Values.count(); ++i)
-        Q.addBindValue(Values.value(i));
-    BindWhere(Q, Where);
+        Q.bindValue(Position++, Values.value(i));
+    for (int i = 0; i < Where.count(); ++i)
+        if (!Where.isNull(i))
+            Q.bindValue(Position++, Where.value(i));
     if (!Q.exec())
         TADOConnection::RaiseSqlError(Q.lastError());
     if (Row.UpdateKind != ukInsert && Q.numRowsAffected() == 0)
         throw EUpdateError(SRecordChanged());
+}
+
+QSqlQuery& TDataSetProviderPrivate::Statement(const QString& Sql)
+{
+    std::shared_ptr<QSqlQuery>& Q = statements[Sql];
+    if (!Q) {
+        Q = std::make_shared<QSqlQuery>(Db());
+        if (!Q->prepare(Sql)) {
+            const QSqlError Error = Q->lastError();
+            statements.remove(Sql);
+            TADOConnection::RaiseSqlError(Error);
+        }
+    }
+    return *Q;
 }
 
 bool TDataSetProviderPrivate::ReadCurrent(const TFieldDefs& Fields, const TRecordValues& KeySource,
@@ -454,7 +470,6 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
                 continue;
             } catch (const Exception& E) {
                 d->Exec(QStringLiteral("ROLLBACK TO SAVEPOINT ") + Savepoint);
-                d->rowQuery.reset();
                 EUpdateError Error(E.Message);
                 const TRecordValues& KeySource = Kind == ukInsert ? Row.NewValues : Row.OldValues;
                 Error.HasCurrentValues = d->ReadCurrent(Fields, KeySource, Map, Error.CurrentValues);
@@ -474,7 +489,6 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
                         Failed = false;
                     } catch (const Exception& Again) {
                         d->Exec(QStringLiteral("ROLLBACK TO SAVEPOINT ") + Savepoint);
-                        d->rowQuery.reset();
                         Error.Message = Again.Message;
                     }
                 }
@@ -495,16 +509,16 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
     } catch (...) {
         if (OwnTransaction && Conn->InTransaction())
             Conn->RollbackTrans();
-        d->rowQuery.reset();
+        d->statements.clear();
         throw;
     }
-    d->rowQuery.reset();
     if (OwnTransaction) {
         if (Abort)
             Conn->RollbackTrans();
         else
             Conn->CommitTrans();
     }
+    d->statements.clear();
     Result.Committed = !Abort;
     if (AfterApplyUpdates)
         AfterApplyUpdates(this, OwnerData);
