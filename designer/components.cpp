@@ -4,6 +4,7 @@
 #include "Kesh_Controls.h"
 #include "Kesh_dbControls.h"
 #include "Kesh_AdoDB.h"
+#include "Kesh_dbGrid.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -193,6 +194,43 @@ void ImageIcon(QPainter& P)
     P.drawPolygon(QPolygonF{QPointF(4, 26), QPointF(13, 13), QPointF(19, 21), QPointF(22, 18), QPointF(28, 26)});
 }
 
+// A grid: a title row, an indicator column and lines of cells.
+void GridIcon(QPainter& P)
+{
+    P.setPen(QPen(Ink, 1));
+    P.setBrush(Qt::white);
+    P.drawRect(QRectF(2.5, 4.5, 27, 22));
+    P.setPen(Qt::NoPen);
+    P.setBrush(QColor(0xC8, 0xD4, 0xE4));
+    P.drawRect(QRectF(3, 5, 26, 5));
+    P.drawRect(QRectF(3, 5, 5, 21));
+    P.setPen(QPen(QColor(0x90, 0x98, 0xA8), 0.8));
+    for (double Y : {10.5, 15.5, 20.5})
+        P.drawLine(QPointF(3, Y), QPointF(29, Y));
+    for (double X : {8.5, 17.5})
+        P.drawLine(QPointF(X, 5), QPointF(X, 26));
+    P.setPen(Qt::NoPen);
+    P.setBrush(Ink);
+    P.drawPolygon(QPolygonF{QPointF(4, 11.5), QPointF(7, 13), QPointF(4, 14.5)}); // the current row
+}
+
+// The footer: the grid's last lines over a panel of totals.
+void GridFooterIcon(QPainter& P)
+{
+    P.setPen(QPen(QColor(0x90, 0x98, 0xA8), 0.8));
+    P.setBrush(Qt::white);
+    P.drawRect(QRectF(2.5, 3.5, 27, 11));
+    P.drawLine(QPointF(2.5, 9), QPointF(29.5, 9));
+    QLinearGradient G(QPointF(0, 16), QPointF(0, 28));
+    G.setColorAt(0, Qt::white);
+    G.setColorAt(1, QColor(0xCA, 0xD0, 0xD4));
+    P.setPen(QPen(Ink, 1));
+    P.setBrush(G);
+    P.drawRect(QRectF(2.5, 16.5, 27, 11));
+    Text(P, QRectF(3, 16, 12, 12), QString(QChar(0x03A3)), 10, true, Accent);
+    Text(P, QRectF(14, 16, 15, 12), QStringLiteral("99"), 8, true);
+}
+
 void RadioGroupIcon(QPainter& P)
 {
     P.setPen(QPen(Ink, 1));
@@ -250,6 +288,8 @@ const QList<TComponent>& Components()
     static const char ControlsHeader[] = "Kesh_Controls.h";
     static const char Data[] = "Kesh_dbControls";
     static const char DataHeader[] = "Kesh_dbControls.h";
+    static const char Grid[] = "Kesh_dbGrid";
+    static const char GridHeader[] = "Kesh_dbGrid.h";
     static const char Ado[] = "Kesh_AdoDB";
     static const char AdoHeader[] = "Kesh_AdoDB.h";
     static const QList<TComponent> List{
@@ -320,6 +360,13 @@ const QList<TComponent>& Components()
         {"Kesh::TQxdbPanel", Data, DataHeader,
          "Data-aware panel: enables the controls on it by its dataset's state",
          {185, 41}, true, Maker<Kesh::TQxdbPanel>(), WithData(PanelIcon)},
+
+        {"Kesh::TQxdbGrid", Grid, GridHeader,
+         "Data grid: bilingual columns, multi-row selection, a footer of column totals",
+         {320, 120}, false, Maker<Kesh::TQxdbGrid>(), GridIcon},
+        {"Kesh::TQxdbGridFooter", Grid, GridHeader,
+         "Footer of a data grid: one total label under each column (name it in the grid's _FooterName)",
+         {320, 21}, false, Maker<Kesh::TQxdbGridFooter>(), GridFooterIcon},
 
         {"Kesh::TQxAdoDropList", Ado, AdoHeader,
          "Drop list of a table's rows: the name in the user's language, the key as its value",

@@ -86,7 +86,7 @@ QString TWidgetInterface::domXml() const
     for (const QMetaProperty& P : OwnProperties(Sample->metaObject())) {
         // A pointer to another object is stored as that object's name, bound when the
         // form finishes building (Kesh::EndLoading).
-        if (P.metaType().flags() & QMetaType::PointerToQObject)
+        if ((P.metaType().flags() & QMetaType::PointerToQObject) && P.isWritable())
             Xml += QStringLiteral("  <property name=\"%1Name\" stdset=\"0\"><string notr=\"true\"></string></property>\n")
                        .arg(QString::fromLatin1(P.name()));
         // Captions are the program's own bilingual texts, not for Qt's translation.

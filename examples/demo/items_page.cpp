@@ -160,8 +160,11 @@ QString ItemsPage::Title() const { return BiStr(QStringLiteral("الأصناف")
 
 void ItemsPage::Retranslate()
 {
-    m_hint->setText(BiStr(QStringLiteral("Ctrl+نقر أو Shift+نقر أو Shift+الأسهم لاختيار عدة أصناف؛ اكتب في خلية لتعديلها، Enter "
-                                         "للخلية التالية، Insert لصنف جديد، Ctrl+Delete للحذف."),
+    // Key names are Latin: isolate each, so the Arabic sentence keeps its order around them.
+    auto Key = [](const char* Name) { return QStringLiteral("\u2066%1\u2069").arg(QLatin1String(Name)); };
+    m_hint->setText(BiStr(QStringLiteral("النقر مع %1 أو %2، أو %2 مع الأسهم، يختار عدة أصناف؛ اكتب في خلية لتعديلها، "
+                                         "و%3 للخلية التالية، و%4 لصنف جديد، و%5 للحذف.")
+                              .arg(Key("Ctrl"), Key("Shift"), Key("Enter"), Key("Insert"), Key("Ctrl+Delete")),
                           QStringLiteral("Ctrl+click, Shift+click or Shift+arrows select several items; type in a cell to "
                                          "edit it, Enter moves on, Insert adds an item, Ctrl+Delete deletes.")));
     AlignToReadingSide(m_hint);

@@ -19,6 +19,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QHash>
+#include <QLocale>
 #include <QMimeData>
 #include <QPainter>
 #include <QPointer>
@@ -149,6 +150,9 @@ TQxCustomDBGrid::TQxCustomDBGrid(QWidget* Parent) : QTableView(Parent), d(new TQ
     setDragDropMode(QAbstractItemView::DropOnly);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
 
+    // Korean input composes in the cell, so the editor is always open there.
+    if (QLocale::system().language() == QLocale::Korean)
+        d->Options |= dgAlwaysShowEditor;
     d->Corner = findChild<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
     if (d->Corner)
         d->Corner->installEventFilter(this);

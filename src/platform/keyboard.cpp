@@ -105,6 +105,8 @@ bool TRecordingKeyboard::Activate(const QString& LayoutName)
     if (LayoutName.isEmpty())
         return false;
     m_active = LayoutName;
+    if (m_history.size() >= MaxHistory)
+        m_history.removeFirst();
     m_history.append(LayoutName);
     return true;
 }

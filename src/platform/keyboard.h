@@ -42,13 +42,16 @@ KESH_EXPORT std::unique_ptr<TKeyboardBackend> CreateX11KeyboardBackend(const QSt
 
 /// A backend that only remembers: every activation is recorded and succeeds (an empty name
 /// fails). The platform's backend where the desktop gives no way to switch, and the tests'.
+/// The history keeps the last MaxHistory names, so a long session does not grow it forever.
 class KESH_EXPORT TRecordingKeyboard : public TKeyboardBackend
 {
 public:
+    static constexpr int MaxHistory = 1000;
+
     explicit TRecordingKeyboard(const QString& Initial = QStringLiteral("00000409"));
     bool Activate(const QString& LayoutName) override;
     QString Active() const override { return m_active; }
-    /// Every layout activated so far, oldest first.
+    /// The layouts activated so far (the last MaxHistory), oldest first.
     QStringList History() const { return m_history; }
     void ClearHistory() { m_history.clear(); }
 

@@ -225,6 +225,10 @@ private Q_SLOTS:
             auto* Form = qobject_cast<TKeshFormCalendar*>(Dialog);
             if (!Form)
                 return;
+            // Keys reach the window the user works in: the form, once it is active.
+            QApplication::setActiveWindow(Form);
+            if (!QTest::qWaitForWindowActive(Form))
+                return;
             for (const QString& Step : answer.split(QLatin1Char(' '))) {
                 if (Step == QLatin1String("Return") || Step == QLatin1String("Enter")
                     || Step == QLatin1String("Escape") || Step == QLatin1String("PgDn")) {

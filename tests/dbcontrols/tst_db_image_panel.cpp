@@ -353,6 +353,7 @@ private slots:
         Ds.Insert();
         QCOMPARE(Calls.size(), 3);
         QCOMPARE(Calls.last(), QStringLiteral("own -1"));
+        Source.OnStateChange = nullptr;  // the source outlives Calls
     }
 
     // A panel made in code after building is not hooked: it follows only on Refresh.
@@ -381,6 +382,7 @@ private slots:
         Panel->Refresh();
         QVERIFY(!Panel->isEnabled());
         QCOMPARE(Own, 2);  // the two changes; an unhooked panel has no handler to chain
+        Source.OnStateChange = nullptr;  // the source outlives Own
     }
 };
 

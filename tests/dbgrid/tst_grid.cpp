@@ -148,6 +148,30 @@ private Q_SLOTS:
         QVERIFY(F.Grid->GetOptions() & dgIndicator);
     }
 
+    void appendedRecordNumber()
+    {
+        // An appended record not yet posted shows RecordCount + 1: the same picture as once it
+        // is posted at the end, and not the picture of the row above it.
+        auto Ds = Items(3);
+        Form F(Ds.get());
+        F.Grid->SetViewRecordNo(true);
+        QVERIFY(F.Show());
+        QHeaderView* V = F.Grid->verticalHeader();
+        auto Number = [&](int Row) {
+            const QImage Image = V->grab().toImage();
+            return Image.copy(11, V->sectionViewportPosition(Row), 48, V->sectionSize(Row));
+        };
+        const QImage Third = Number(2);
+        Ds->Append();
+        Ds->FieldByName(QStringLiteral("Id"))->SetAsInteger(4);
+        QCOMPARE(Ds->RecNo(), -1);
+        const QImage Unposted = Number(3);
+        Ds->Post();
+        QCOMPARE(Ds->RecNo(), 4);
+        QCOMPARE(Unposted, Number(3));
+        QVERIFY(Unposted != Third);
+    }
+
     void enterMovesOn()
     {
         auto Ds = Items(5);

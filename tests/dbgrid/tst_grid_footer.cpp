@@ -135,6 +135,15 @@ private Q_SLOTS:
         QCOMPARE(Ds->RecNo(), 1);
         // A column without _TotalValue shows nothing.
         QCOMPARE(Shown(Footer, 1), QString());
+        // The grid sums a column on request too: only totalable fields, a posted walk.
+        Ds->Append();
+        Ds->FieldByName(QStringLiteral("Qty"))->SetAsInteger(5);
+        Ds->FieldByName(QStringLiteral("Price"))->SetAsFloat(0.25);
+        Ds->Post();
+        QCOMPARE(F.Grid->CalcColumnSum(2), 15.0);
+        QCOMPARE(F.Grid->CalcColumnSum(3), 1234.75);
+        QCOMPARE(F.Grid->CalcColumnSum(1), 0.0);   // a string column
+        QCOMPARE(F.Grid->CalcColumnSum(9), 0.0);   // no such column
     }
 
     void placement_data()

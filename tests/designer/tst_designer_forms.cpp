@@ -5,6 +5,7 @@
 #include "Kesh_Controls.h"
 #include "Kesh_AdoDB.h"
 #include "Kesh_dbControls.h"
+#include "Kesh_dbGrid.h"
 #include "db_test_helper.h"
 #include "dialog_helper.h"
 #include "platform/data/ado_dataset.h"
@@ -199,6 +200,8 @@ private Q_SLOTS:
         QCOMPARE(Card.Ui.xName->GetDataSource(), Card.Source);
         QCOMPARE(Card.Ui.dbbPost->GetDataSource(), Card.Source);
         QCOMPARE(Card.Ui.adlProduct->GetConnection(), Card.Connection);
+        QCOMPARE(Card.Ui.grdCustomers->GetDataSource(), Card.Source);
+        QCOMPARE(Card.Ui.grdCustomers->GetFooter(), Card.Ui.ftrCustomers);
     }
 
     void dataBinding_data() { KeshTest::AddDriverRows(); }
@@ -222,6 +225,7 @@ private Q_SLOTS:
         QCOMPARE(Card.Ui.adlProduct->itemText(1), QStringLiteral("قلم"));
         Set->Open();
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("Pen"));
+        QCOMPARE(Card.Ui.grdCustomers->model()->rowCount(), 2); // the grid shows the same rows
         Set->Next();
         QCOMPARE(Card.Ui.xName->text(), QStringLiteral("قلم"));
         // Typed into the bound edit and saved by the bound button: no code per control.

@@ -5,6 +5,7 @@
 #include "Kesh_Controls.h"
 #include "Kesh_dbControls.h"
 #include "Kesh_AdoDB.h"
+#include "Kesh_dbGrid.h"
 #include "dialog_helper.h"
 #include "font_task_menu.h"
 #include "property_sheet.h"
@@ -159,7 +160,7 @@ QStringList PointerProperties(const QMetaObject* Meta)
     for (int I = 0; I < Meta->propertyCount(); ++I) {
         const QMetaProperty P = Meta->property(I);
         if (QByteArray(P.enclosingMetaObject()->className()).startsWith("Kesh::")
-            && (P.metaType().flags() & QMetaType::PointerToQObject))
+            && (P.metaType().flags() & QMetaType::PointerToQObject) && P.isWritable())
             Names << QString::fromLatin1(P.name()) + QStringLiteral("Name");
     }
     return Names;
@@ -245,6 +246,9 @@ private Q_SLOTS:
         QTest::newRow("db icon button") << "Kesh::TQxdbIconButton" << D << QSize(75, 25) << false;
         QTest::newRow("db image") << "Kesh::TQxdbImage" << D << QSize(105, 105) << false;
         QTest::newRow("db panel") << "Kesh::TQxdbPanel" << D << QSize(185, 41) << true;
+        const QString G = QStringLiteral("Kesh_dbGrid");
+        QTest::newRow("grid") << "Kesh::TQxdbGrid" << G << QSize(320, 120) << false;
+        QTest::newRow("grid footer") << "Kesh::TQxdbGridFooter" << G << QSize(320, 21) << false;
         const QString A = QStringLiteral("Kesh_AdoDB");
         QTest::newRow("table drop list") << "Kesh::TQxAdoDropList" << A << QSize(101, 21) << false;
         QTest::newRow("lookup drop list") << "Kesh::TQxAdoLookupDropList" << A << QSize(101, 21) << false;
@@ -297,7 +301,7 @@ private Q_SLOTS:
         QStringList Names;
         for (QDesignerCustomWidgetInterface* W : m_widgets)
             Names << W->name();
-        QCOMPARE(Names.size(), 24);
+        QCOMPARE(Names.size(), 26);
         QCOMPARE(QSet<QString>(Names.begin(), Names.end()).size(), Names.size());
     }
 
@@ -445,6 +449,7 @@ private Q_SLOTS:
         QTest::newRow("label") << "Kesh::TQxLabel" << QStringList{"Font", "_Font_a", "_Font_e"};
         QTest::newRow("button") << "Kesh::TQxBitBtn" << QStringList{"_Font_a", "_Font_e"};
         QTest::newRow("radio group") << "Kesh::TQxRadioGroup" << QStringList{"Font", "_Font_a", "_Font_e"};
+        QTest::newRow("grid") << "Kesh::TQxdbGrid" << QStringList{"Font", "TitleFont"};
         QTest::newRow("edit: none") << "Kesh::TQxEdit" << QStringList{};
     }
     void fontMenu()

@@ -6,6 +6,7 @@
 #include "platform/remote/app_server.h"
 #include "platform/remote/remote_connection.h"
 #include <QJsonDocument>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -368,6 +369,37 @@ private Q_SLOTS:
         QCOMPARE(Web.GetProviderNames().size(), 2);  // still serving
         Relay.Restore();
         QCOMPARE(Web.AppServerCall(QStringLiteral("Items"), QStringLiteral("GetRecords"), All).value(QStringLiteral("rows")).toArray().size(), 3);
+    }
+
+    // With a certificate and key the server speaks HTTPS only.
+    void tls()
+    {
+        QTemporaryDir Dir;
+        const QString Cert = Dir.filePath(QStringLiteral("cert.pem")), Key = Dir.filePath(QStringLiteral("key.pem"));
+        QProcess Make;
+        Make.start(QStringLiteral("openssl"), {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "1", "-subj", "/CN=127.0.0.1",
+                                                "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", Key, "-out", Cert});
+        if (!Make.waitForFinished(30000) || Make.exitCode() != 0)
+            QSKIP("the openssl command is not available to make a certificate");
+        TADOConnection Setup;
+        Setup.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + Dir.filePath(QStringLiteral("t.db")));
+        Setup.Open();
+        Setup.Execute(QStringLiteral("CREATE TABLE Items (Id INTEGER PRIMARY KEY, Name VARCHAR(40), Qty INTEGER)"));
+        TAppServer S;
+        S.SetCertificateFile(Cert);
+        S.SetPrivateKeyFile(Key);
+        S.AddToken(Token, {QStringLiteral("*")});
+        const QString Cs = Setup.ConnectionString();
+        S.ModuleFactory = [Cs]() -> TCustomRemoteModule* { return new TItemsModule(Cs, QStringLiteral("Items")); };
+        S.Start();
+        TWebConnection Web;
+        Web.SetURL(QStringLiteral("https://127.0.0.1:%1").arg(S.BoundPort()));
+        Web.SetToken(Token);
+        Web.SetCACertificateFile(Cert);
+        QCOMPARE(Web.GetProviderNames().size(), 2);
+        Web.SetURL(QStringLiteral("http://127.0.0.1:%1").arg(S.BoundPort()));  // plain HTTP gets no answer
+        QVERIFY_THROWS_EXCEPTION(EDatabaseError, Web.GetProviderNames());
+        QCOMPARE(Web.LastStatus(), 0);
     }
 
     void tokens()

@@ -133,6 +133,18 @@ private Q_SLOTS:
         ActiveKeyboardLayout();
     }
 
+    void historyKeepsTheLatest()
+    {
+        TRecordingKeyboard keyboard;
+        for (int i = 0; i < TRecordingKeyboard::MaxHistory + 5; ++i)
+            keyboard.Activate(QString::number(i));
+        const QStringList history = keyboard.History();
+        QCOMPARE(history.size(), TRecordingKeyboard::MaxHistory);
+        QCOMPARE(history.first(), QStringLiteral("5"));
+        QCOMPARE(history.last(), QString::number(TRecordingKeyboard::MaxHistory + 4));
+        QCOMPARE(keyboard.Active(), history.last());
+    }
+
     void directionPicksTheApplicationsLayouts_data()
     {
         QTest::addColumn<QString>("biDi");

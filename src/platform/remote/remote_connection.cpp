@@ -7,6 +7,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QSslConfiguration>
 #include <QTimer>
 #include <QUrl>
 
@@ -46,6 +47,7 @@ public:
     QString url;
     QString token;
     int timeOut = 30000;
+    QString caCertificateFile;
     int lastStatus = 0;
     std::unique_ptr<QNetworkAccessManager> manager;
 };
@@ -59,6 +61,8 @@ QString TWebConnection::Token() const { return d->token; }
 void TWebConnection::SetToken(const QString& Value) { d->token = Value; }
 int TWebConnection::TimeOut() const { return d->timeOut; }
 void TWebConnection::SetTimeOut(int Value) { d->timeOut = std::max(1, Value); }
+QString TWebConnection::CACertificateFile() const { return d->caCertificateFile; }
+void TWebConnection::SetCACertificateFile(const QString& Value) { d->caCertificateFile = Value; }
 int TWebConnection::LastStatus() const { return d->lastStatus; }
 
 QJsonObject TWebConnection::Send(const QString& Path, const QJsonObject* Body)
@@ -76,6 +80,11 @@ QJsonObject TWebConnection::Send(const QString& Path, const QJsonObject* Body)
     Request.setRawHeader("Authorization", "Bearer " + d->token.toUtf8());
     Request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     Request.setTransferTimeout(d->timeOut);
+    if (!d->caCertificateFile.isEmpty() && Url.scheme() == QLatin1String("https")) {
+        QSslConfiguration Tls = QSslConfiguration::defaultConfiguration();
+        Tls.setCaCertificates(QSslCertificate::fromPath(d->caCertificateFile));
+        Request.setSslConfiguration(Tls);
+    }
     QNetworkReply* Reply = Body ? d->manager->post(Request, QJsonDocument(*Body).toJson(QJsonDocument::Compact))
                                 : d->manager->get(Request);
     QEventLoop Loop;

@@ -51,6 +51,7 @@ class KESH_EXPORT TWebConnection : public TCustomRemoteServer
     Q_PROPERTY(QString URL READ URL WRITE SetURL)
     Q_PROPERTY(QString Token READ Token WRITE SetToken)
     Q_PROPERTY(int TimeOut READ TimeOut WRITE SetTimeOut)
+    Q_PROPERTY(QString CACertificateFile READ CACertificateFile WRITE SetCACertificateFile)
 
 public:
     explicit TWebConnection(QObject* Owner = nullptr);
@@ -64,6 +65,10 @@ public:
     /// Milliseconds a call may take (30000).
     int TimeOut() const;
     void SetTimeOut(int Value);
+    /// PEM file of the certificates an https server's certificate must chain to (empty:
+    /// the system's).
+    QString CACertificateFile() const;
+    void SetCACertificateFile(const QString& Value);
 
     QJsonObject AppServerCall(const QString& Provider, const QString& Call, const QJsonObject& Request) override;
     QStringList GetProviderNames() override;
