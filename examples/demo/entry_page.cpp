@@ -60,9 +60,16 @@ EntryPage::EntryPage(const QString& DatabaseFile, QWidget* Parent)
     m_title->SetFont_e(Enlarged(m_title->GetFont_e(), 16));
     m_total->SetFont_a(Enlarged(m_total->GetFont_a(), 9));
     m_total->SetFont_e(Enlarged(m_total->GetFont_e(), 9));
-    m_date->_OnButtonClick = [](QObject* Sender) { static_cast<TQxEditButton*>(Sender)->SetAsDate(Date()); };
-    m_date->Button()->SetHintA(QStringLiteral("تاريخ اليوم (F3)"));
-    m_date->Button()->SetHintE(QStringLiteral("Today's date (F3)"));
+    // F3 or the button: the day in the calendar picker, opened on the day shown (today when
+    // the box is empty); the edit keeps showing dates as text.
+    m_date->_OnButtonClick = [](QObject* Sender) {
+        auto* Edit = static_cast<TQxEditButton*>(Sender);
+        int Day = Edit->text().trimmed().isEmpty() ? 0 : DateToInt(Edit->AsDate());
+        if (SelectDate(Day, false))
+            Edit->SetAsDate(IntToDate(Day));
+    };
+    m_date->Button()->SetHintA(QStringLiteral("التقويم (F3)"));
+    m_date->Button()->SetHintE(QStringLiteral("Calendar (F3)"));
     m_save->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     m_clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
 

@@ -70,6 +70,8 @@ bool WriteDialogs(const QString& Folder, const QString& Lang)
         {"dialog-info", [] { ShowMsg(BiStr(QStringLiteral("تم حفظ الفاتورة رقم 1024."), QStringLiteral("Invoice 1024 was saved."))); }},
         {"dialog-error", [] { ShowError(BiStr(QStringLiteral("الرقم غير صحيح."), QStringLiteral("Incorrect number."))); }},
         {"dialog-question", [] { Sure(BiStr(QStringLiteral("سيُحذف الصنف نهائياً."), QStringLiteral("The item will be deleted for good.")), false); }},
+        {"calendar", [] { int Day = 20261124; SelectDate(Day, false); }},
+        {"calendar-hijri", [] { int Day = 14480515; SelectDate(Day, true); }},
     };
     for (const auto& Dialog : Dialogs) {
         const QString File = QDir(Folder).filePath(QString::fromLatin1(Dialog.Name) + QLatin1Char('-') + Lang + QStringLiteral(".png"));
