@@ -136,13 +136,15 @@ int WriteScreenshots(DemoWindow& Window, const QString& Folder)
         return 1;
     }
     Window.show();
-    Window.resize(900, 640);
     for (TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
         Window.SetLanguage(Mode);
         if (!Window.isVisible()) {
             std::fprintf(stderr, "The window did not come back after the language switch\n");
             return 1;
         }
+        // The form manager puts the window back at its remembered placement when it shows it
+        // again after the switch; the screenshots are all taken at one size.
+        Window.resize(900, 640);
         const QString Lang = Mode == bdRightToLeft ? QStringLiteral("ar") : QStringLiteral("en");
         for (int I = 0; I < Window.Pages().size(); ++I) {
             Window.Tabs()->setCurrentIndex(I);
