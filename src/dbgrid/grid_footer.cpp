@@ -6,6 +6,7 @@
 #include "platform/data/dataset_totals.h"
 #include "platform/data/fields.h"
 #include "platform/rtl/numbers.h"
+#include "platform/widgets.h"
 #include <QFrame>
 #include <QHeaderView>
 #include <QPainter>
@@ -79,6 +80,8 @@ void TQxdbGridFooter::BuildColumns()
         L->SetRectangle(false);
         L->SetTransparent(true);
         L->setGeometry(0, 0, Columns->Items(I)->GetWidth(), height());
+        if (IsDesigning(this))  // the form's author sees which field each label totals
+            L->SetCaption(Columns->Items(I)->GetFieldName());
         L->show();
         d->Labels << L;
         auto* Sep = new QFrame(this);
@@ -140,9 +143,12 @@ void TQxdbGridFooter::DoPaint()
         TQxColumnField* B = Columns->Items(I)->GetBiDiField();
         d->Labels[I]->SetFont(Rtl ? B->GetFont_a() : B->GetFont_e());
         if (!Active) {
-            d->Labels[I]->SetCaptionA(QString());
-            d->Labels[I]->SetCaptionE(QString());
-            d->Labels[I]->SetCaption(QString());
+            // Without data: the field names while a form is designed, nothing at run time.
+            const bool Designing = IsDesigning(this);
+            d->Labels[I]->SetCaptionA(Designing ? B->GetFieldName_a() : QString());
+            d->Labels[I]->SetCaptionE(Designing ? B->GetFieldName_e() : QString());
+            if (!Designing)
+                d->Labels[I]->SetCaption(QString());
         }
     }
     PlaceLabels();

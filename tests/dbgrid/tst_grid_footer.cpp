@@ -146,6 +146,35 @@ private Q_SLOTS:
         QCOMPARE(F.Grid->CalcColumnSum(9), 0.0);   // no such column
     }
 
+    // Without data the labels show the fields' names while a form is designed, nothing at run time.
+    void fieldNamesWithoutData_data()
+    {
+        QTest::addColumn<bool>("designing");
+        QTest::newRow("designing") << true;
+        QTest::newRow("running") << false;
+    }
+    void fieldNamesWithoutData()
+    {
+        QFETCH(bool, designing);
+        auto Ds = Items(2);
+        Form F(Ds.get());
+        TQxdbGridFooter Footer(&F.Window);
+        SetDesigning(&Footer, designing);
+        F.Grid->GetColumns()->SetState(csCustomized);
+        TQxColumnField* B = F.Grid->GetColumns()->Items(2)->GetBiDiField();
+        B->SetFieldName_e(QStringLiteral("Qty"));
+        B->SetFieldName_a(QStringLiteral("Price"));  // applied under right to left only
+        F.Grid->SetGridFooter(&Footer);
+        QVERIFY(F.Show());
+        Ds->Close();
+        QCoreApplication::processEvents();
+        QVERIFY(Footer.LabelCount() > 2);
+        TQxLabel* L = Footer.Labels(2);
+        QCOMPARE(L->GetCaption_e(), designing ? QStringLiteral("Qty") : QString());
+        QCOMPARE(L->GetCaption_a(), designing ? QStringLiteral("Price") : QString());
+        QCOMPARE(L->GetCaption(), designing ? QStringLiteral("Qty") : QString());
+    }
+
     void placement_data()
     {
         QTest::addColumn<bool>("rtl");
