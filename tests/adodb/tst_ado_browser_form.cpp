@@ -124,6 +124,12 @@ void AddRows()
 
 } // namespace
 
+// Shows the browser of fixture F and waits for it.
+#define SHOW_FORM(Form)                                                                                       \
+    TAdoBrowserForm Form(nullptr, &F.Browser);                                                                \
+    Form.show();                                                                                              \
+    QVERIFY(QTest::qWaitForWindowExposed(&Form))
+
 class TestAdoBrowserForm : public QObject
 {
     Q_OBJECT
@@ -141,9 +147,7 @@ private Q_SLOTS:
         QFETCH(bool, arabic);
         OPEN_FIXTURE(F);
         Application()->SetBiDiMode(arabic ? bdRightToLeft : bdLeftToRight);
-        TAdoBrowserForm Form(nullptr, &F.Browser);
-        Form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&Form));
+        SHOW_FORM(Form);
         QCOMPARE(Form.windowTitle(), arabic ? QStringLiteral("العملاء") : QStringLiteral("Customers"));
         QCOMPARE(Shown(Form).size(), 6);
         Type(Form.F1, arabic ? QStringLiteral("أ") : QStringLiteral("A"));
@@ -164,9 +168,7 @@ private Q_SLOTS:
         QFETCH(bool, arabic);
         OPEN_FIXTURE(F);
         Application()->SetBiDiMode(arabic ? bdRightToLeft : bdLeftToRight);
-        TAdoBrowserForm Form(nullptr, &F.Browser);
-        Form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&Form));
+        SHOW_FORM(Form);
         using C = QPair<quint32, quint32>;
         QCOMPARE(Form.ColumnColors(), (QList<C>{{0xF0FFFF, 0xC8F0FA}, {0xF0F0F0, 0xB4DCE6},
                                                 {0xFFFFFF, 0xC8F0FA}, {0xF0F0F0, 0xB4DCE6}}));
@@ -195,9 +197,7 @@ private Q_SLOTS:
         QFETCH(bool, arabic);
         OPEN_FIXTURE(F);
         Application()->SetBiDiMode(arabic ? bdRightToLeft : bdLeftToRight);
-        TAdoBrowserForm Form(nullptr, &F.Browser);
-        Form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&Form));
+        SHOW_FORM(Form);
         KeshTest::DialogDriver Driver;
         QStringList Labels;
         Driver.OnShown = [&](QWidget* Dialog) {
@@ -229,9 +229,7 @@ private Q_SLOTS:
     void filterRefusesBadValueAndStaysOpen()
     {
         OPEN_FIXTURE(F);
-        TAdoBrowserForm Form(nullptr, &F.Browser);
-        Form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&Form));
+        SHOW_FORM(Form);
         const QString Before = Form.db->CommandText();
         // The refusal's message opens inside the OK click: every answer is a queued click, so
         // that this poll is free to answer the next dialog.
@@ -273,9 +271,7 @@ private Q_SLOTS:
     void okNeedsARow()
     {
         OPEN_FIXTURE(F);
-        TAdoBrowserForm Form(nullptr, &F.Browser);
-        Form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&Form));
+        SHOW_FORM(Form);
         Type(Form.F1, QStringLiteral("zz"));
         QCOMPARE(Form.G->model()->rowCount(), 0);
         QTest::keyClick(Form.F1, Qt::Key_Return);
@@ -338,9 +334,7 @@ private Q_SLOTS:
         // Arabic names are searched in Arabic.
         if (text.front().script() == QChar::Script_Arabic)
             Application()->SetBiDiMode(bdRightToLeft);
-        TAdoBrowserForm Form(nullptr, &F.Browser);
-        Form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&Form));
+        SHOW_FORM(Form);
         Type(Form.F1, text);
         QVERIFY(Form.db->Active());
         QCOMPARE(Form.G->model()->rowCount(), rows);

@@ -46,6 +46,17 @@ QString EditorText(TQxCustomDBGrid* Grid)
 
 } // namespace
 
+// Opens the test database with a table of Rows rows, a query on it and a shown grid form F.
+#define OPEN_GRID(Rows)                                                                                       \
+    KESH_OPEN_TEST_DB(Db);                                                                                    \
+    const QString T = Build(*Db, Rows);                                                                       \
+    TADOQuery Q;                                                                                              \
+    Q.SetConnection(Db->Connection());                                                                        \
+    Q.SetSQL({QStringLiteral("SELECT Id, Name, Qty, Price FROM %1 ORDER BY Id").arg(T)});                     \
+    Q.Open();                                                                                                 \
+    Form F(&Q);                                                                                               \
+    QVERIFY(F.Show())
+
 class TestGridEdit : public QObject
 {
     Q_OBJECT
@@ -54,14 +65,7 @@ private Q_SLOTS:
     void typingAndPosting_data() { KeshTest::AddDriverRows(); }
     void typingAndPosting()
     {
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = Build(*Db, 1000);
-        TADOQuery Q;
-        Q.SetConnection(Db->Connection());
-        Q.SetSQL({QStringLiteral("SELECT Id, Name, Qty, Price FROM %1 ORDER BY Id").arg(T)});
-        Q.Open();
-        Form F(&Q);
-        QVERIFY(F.Show());
+        OPEN_GRID(1000);
         // Only the rows shown (and a block) were read.
         QVERIFY(!Q.FetchedAll());
         QVERIFY2(Q.FetchedRowCount() <= 64, qPrintable(QString::number(Q.FetchedRowCount())));
@@ -100,14 +104,7 @@ private Q_SLOTS:
     void refusedPost_data() { KeshTest::AddDriverRows(); }
     void refusedPost()
     {
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = Build(*Db, 20);
-        TADOQuery Q;
-        Q.SetConnection(Db->Connection());
-        Q.SetSQL({QStringLiteral("SELECT Id, Name, Qty, Price FROM %1 ORDER BY Id").arg(T)});
-        Q.Open();
-        Form F(&Q);
-        QVERIFY(F.Show());
+        OPEN_GRID(20);
         QTest::mouseClick(F.Grid->viewport(), Qt::LeftButton, {}, F.Cell(1, 2));
         QTest::keyClicks(F.Grid, QStringLiteral("-5"));
         KeshTest::DialogDriver Driver;
