@@ -9,6 +9,7 @@
 #include <Kesh_AdoDB.h>
 #include <Kesh_dbGrid.h>
 #include "label.h"
+#include "items_table.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -28,32 +29,6 @@ namespace {
 
 const int Rows = 1000000;
 const QSize ViewSize(900, 600);
-
-void CreateTable(const QString& File)
-{
-    QSqlDatabase Db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench-make"));
-    Db.setDatabaseName(File);
-    Db.open();
-    {
-        QSqlQuery Q(Db);
-        Q.exec(QStringLiteral("CREATE TABLE Items (Item_id INTEGER PRIMARY KEY, Name_e TEXT, Price REAL, Qty INTEGER, "
-                              "Amount NUMERIC(14,2))"));
-        Db.transaction();
-        Q.prepare(QStringLiteral("INSERT INTO Items VALUES (?, ?, ?, ?, ?)"));
-        for (int I = 1; I <= Rows; ++I) {
-            Q.addBindValue(I);
-            Q.addBindValue(QStringLiteral("Item %1").arg(I));
-            Q.addBindValue(I * 0.25);
-            Q.addBindValue(I % 97);
-            Q.addBindValue((I % 100000) / 100.0);
-            Q.exec();
-        }
-        Db.commit();
-    }
-    Db.close();
-    Db = QSqlDatabase();
-    QSqlDatabase::removeDatabase(QStringLiteral("bench-make"));
-}
 
 long PeakKb()
 {
@@ -280,14 +255,14 @@ int main(int argc, char** argv)
     if (Args.size() >= 4 && Args[1] == QLatin1String("--case"))
         return RunCase(Args[2], Args[3]);
     if (Args.size() >= 3 && Args[1] == QLatin1String("--make")) {  // a table to run one case on by hand
-        CreateTable(Args[2]);
+        CreateItemsTable(Args[2], Rows);
         return 0;
     }
 
     QTemporaryDir Dir;
     const QString File = Dir.filePath(QStringLiteral("items.db"));
     std::printf("bench_grid: %d rows, five columns, SQLite; grid vs QTableView over QSqlTableModel\n", Rows);
-    CreateTable(File);
+    CreateItemsTable(File, Rows);
 
     auto Line = [](const char* What, const Result& A, const Result& B, double Goal) {
         std::printf("%-34s ours %9.1f ms  peer %9.1f ms  ratio %5.2f (goal <= %.1f) %s %s\n", What, A.Ms, B.Ms,

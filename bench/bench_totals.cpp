@@ -6,6 +6,7 @@
 // The totals are checked against the exact sums and the walk.
 #include <Kesh_AdoDB.h>
 
+#include "items_table.h"
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSqlDatabase>
@@ -24,31 +25,6 @@ namespace {
 
 const int Rows = 1000000;
 const QStringList Totalled = {QStringLiteral("Price"), QStringLiteral("Qty"), QStringLiteral("Amount")};
-
-void CreateTable(const QString& File)
-{
-    QSqlDatabase Db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench-make"));
-    Db.setDatabaseName(File);
-    Db.open();
-    QSqlQuery Q(Db);
-    Q.exec(QStringLiteral("CREATE TABLE Items (Item_id INTEGER PRIMARY KEY, Name_e TEXT, Price REAL, Qty INTEGER, "
-                          "Amount NUMERIC(14,2))"));
-    Db.transaction();
-    Q.prepare(QStringLiteral("INSERT INTO Items VALUES (?, ?, ?, ?, ?)"));
-    for (int I = 1; I <= Rows; ++I) {
-        Q.addBindValue(I);
-        Q.addBindValue(QStringLiteral("Item %1").arg(I));
-        Q.addBindValue(I * 0.25);
-        Q.addBindValue(I % 97);
-        Q.addBindValue((I % 100000) / 100.0);
-        Q.exec();
-    }
-    Db.commit();
-    Q.clear();
-    Db.close();
-    Db = QSqlDatabase();
-    QSqlDatabase::removeDatabase(QStringLiteral("bench-make"));
-}
 
 // Best of Runs, in milliseconds; Between runs untimed after each run.
 double Time(int Runs, const std::function<void()>& Work, const std::function<void()>& Between = {})
@@ -85,7 +61,7 @@ int main(int argc, char** argv)
     QTemporaryDir Dir;
     const QString File = Dir.filePath(QStringLiteral("bench.db"));
     std::printf("Creating a %d-row SQLite table...\n", Rows);
-    CreateTable(File);
+    CreateItemsTable(File, Rows);
 
     TADOConnection Conn;
     Conn.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + File);

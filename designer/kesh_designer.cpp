@@ -81,7 +81,7 @@ QString TWidgetInterface::domXml() const
                       .arg(Class, ObjectName)
                       .arg(m_component.DefaultSize.width())
                       .arg(m_component.DefaultSize.height());
-    QString Specs;
+    QString PlainStrings;  // string properties Designer edits as plain, untranslated text
     const std::unique_ptr<QWidget> Sample(m_component.Create(nullptr));
     for (const QMetaProperty& P : OwnProperties(Sample->metaObject())) {
         // A pointer to another object is stored as that object's name, bound when the
@@ -91,12 +91,12 @@ QString TWidgetInterface::domXml() const
                        .arg(QString::fromLatin1(P.name()));
         // Captions are the program's own bilingual texts, not for Qt's translation.
         else if (P.metaType() == QMetaType::fromType<QString>() && P.isWritable())
-            Specs += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
+            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
                          .arg(QString::fromLatin1(P.name()));
     }
     Xml += QStringLiteral(" </widget>\n <customwidgets>\n  <customwidget>\n   <class>%1</class>\n").arg(Class);
-    if (!Specs.isEmpty())
-        Xml += QStringLiteral("   <propertyspecifications>\n") + Specs + QStringLiteral("   </propertyspecifications>\n");
+    if (!PlainStrings.isEmpty())
+        Xml += QStringLiteral("   <propertyspecifications>\n") + PlainStrings + QStringLiteral("   </propertyspecifications>\n");
     Xml += QStringLiteral("  </customwidget>\n </customwidgets>\n</ui>\n");
     return Xml;
 }

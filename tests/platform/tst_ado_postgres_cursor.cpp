@@ -330,20 +330,15 @@ private Q_SLOTS:
     // with the server's message, and closing afterwards neither hangs nor crashes.
     void connectionDiesWhileReading_data()
     {
+        QTest::addColumn<QString>("driver");
         QTest::addColumn<bool>("held");  // a write committed the cursor's transaction first
-        QTest::newRow("in its transaction") << false;
-        QTest::newRow("held after a write") << true;
+        QTest::newRow("in its transaction") << QStringLiteral("postgres") << false;
+        QTest::newRow("held after a write") << QStringLiteral("postgres") << true;
     }
     void connectionDiesWhileReading()
     {
         QFETCH(bool, held);
-        QString Reason;
-        auto Db = KeshTest::TTestDatabase::Open(QStringLiteral("postgres"), Reason);
-        if (!Db) {
-            if (KeshTest::PostgresRequired() || !qEnvironmentVariableIsEmpty("KESH_TEST_PG"))
-                QFAIL(qPrintable(Reason));
-            QSKIP(qPrintable(Reason));
-        }
+        KESH_OPEN_TEST_DB(Db);
         const QString T = MakeTable(*Db);
         auto Q = Open(Db->Connection(), QStringLiteral("SELECT Id, Qty FROM %1 ORDER BY Id").arg(T));
         Q->MoveBy(100);

@@ -143,6 +143,14 @@ QByteArray Post(const QString& Path, const QByteArray& Body, const QString& Bear
 
 QVariant ScalarOf(KeshTest::TTestDatabase& Db, const QString& Sql, const QString& T) { return Db.Scalar(Sql.arg(T)); }
 
+// A scratch SQLite database in Dir holding the table Items.
+void OpenScratch(TADOConnection& Setup, const QTemporaryDir& Dir)
+{
+    Setup.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + Dir.filePath(QStringLiteral("s.db")));
+    Setup.Open();
+    Setup.Execute(QStringLiteral("CREATE TABLE Items (Id INTEGER PRIMARY KEY, Name VARCHAR(40), Qty INTEGER)"));
+}
+
 } // namespace
 
 class TestAppServer : public QObject
@@ -303,9 +311,7 @@ private Q_SLOTS:
         QFETCH(QString, error);
         QTemporaryDir Dir;
         TADOConnection Setup;
-        Setup.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + Dir.filePath(QStringLiteral("g.db")));
-        Setup.Open();
-        Setup.Execute(QStringLiteral("CREATE TABLE Items (Id INTEGER PRIMARY KEY, Name VARCHAR(40), Qty INTEGER)"));
+        OpenScratch(Setup, Dir);
         Setup.Execute(QStringLiteral("INSERT INTO Items VALUES (1, 'a', 1)"));
         TRunningServer S(Setup.ConnectionString(), QStringLiteral("Items"));
         QElapsedTimer Clock;
@@ -326,9 +332,7 @@ private Q_SLOTS:
     {
         QTemporaryDir Dir;
         TADOConnection Setup;
-        Setup.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + Dir.filePath(QStringLiteral("h.db")));
-        Setup.Open();
-        Setup.Execute(QStringLiteral("CREATE TABLE Items (Id INTEGER PRIMARY KEY, Name VARCHAR(40), Qty INTEGER)"));
+        OpenScratch(Setup, Dir);
         TRunningServer S(Setup.ConnectionString(), QStringLiteral("Items"));
         const quint16 Port = S.Server.BoundPort();
         for (int i = 0; i < 20; ++i) {
@@ -382,9 +386,7 @@ private Q_SLOTS:
         if (!Make.waitForFinished(30000) || Make.exitCode() != 0)
             QSKIP("the openssl command is not available to make a certificate");
         TADOConnection Setup;
-        Setup.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + Dir.filePath(QStringLiteral("t.db")));
-        Setup.Open();
-        Setup.Execute(QStringLiteral("CREATE TABLE Items (Id INTEGER PRIMARY KEY, Name VARCHAR(40), Qty INTEGER)"));
+        OpenScratch(Setup, Dir);
         TAppServer S;
         S.SetCertificateFile(Cert);
         S.SetPrivateKeyFile(Key);

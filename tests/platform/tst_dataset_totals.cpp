@@ -50,10 +50,7 @@ struct TModel
         qint64 S = 0;
         for (const auto& [Key, V] : Units)
             S += V;
-        long double Div = 1;
-        for (int i = 0; i < Scale; ++i)
-            Div *= 10;
-        return static_cast<long double>(S) / Div;
+        return static_cast<long double>(S) / std::pow(10.0L, Scale);
     }
     // A random value: returns its SQL literal and stores it under Key.
     QVariant Put(qint64 Key, QRandomGenerator& Random)
@@ -347,12 +344,12 @@ private Q_SLOTS:
         auto SetVal = [&](qint64 Key) {
             const QVariant V = Model.Put(Key, Random);
             TField* F = Ds.FieldByName(QStringLiteral("Val"));
-            if (scale == 0 && type == ftInteger)
-                F->SetAsInteger(int(V.toLongLong() / 4));  // an int field keeps 32 bits
-            else
+            if (type != ftInteger) {
                 F->SetAsVariant(V);
-            if (scale == 0 && type == ftInteger)
-                Model.Units[Key] = V.toLongLong() / 4;
+                return;
+            }
+            F->SetAsInteger(int(V.toLongLong() / 4));  // an int field keeps 32 bits
+            Model.Units[Key] = V.toLongLong() / 4;
         };
         TDataSetTotals Totals;
         Totals.SetDataSet(&Ds);

@@ -41,7 +41,17 @@ struct TFixture
         QJsonValue Owner;
         return Provider->GetRecords(-1, QString(), {}, Owner);
     }
+    TApplyResult Apply(const TDataPacket& P, QList<TDeltaRecord> Delta, int MaxErrors = -1)
+    {
+        QJsonValue Owner;
+        return Provider->ApplyUpdates(P.Fields, Delta, MaxErrors, Owner);
+    }
 };
+
+int QtyOf(KeshTest::TTestDatabase& Db, const QString& T, int Id)
+{
+    return Db.Scalar(QStringLiteral("SELECT Qty FROM %1 WHERE Id = %2").arg(T).arg(Id)).toInt();
+}
 
 TDeltaRecord Modify(const TDataPacket& P, int Row, const QString& Field, const QVariant& Value)
 {
@@ -53,25 +63,23 @@ TDeltaRecord Modify(const TDataPacket& P, int Row, const QString& Field, const Q
     return R;
 }
 
+// An insert of (Id, Name) when Name is given, else a delete of the packet's row Id.
 TDeltaRecord Insert(const TDataPacket& P, int Id, const QString& Name)
 {
     TDeltaRecord R;
-    R.UpdateKind = ukInsert;
     R.Fields = &P.Fields;
+    if (Name.isNull()) {
+        R.UpdateKind = ukDelete;
+        R.OldValues = P.Rows[Id];
+        return R;
+    }
+    R.UpdateKind = ukInsert;
     R.NewValues.resize(P.Fields.Count());
     R.SetNewValue(QStringLiteral("Id"), Id);
     R.SetNewValue(QStringLiteral("Name"), Name);
     return R;
 }
-
-TDeltaRecord Remove(const TDataPacket& P, int Row)
-{
-    TDeltaRecord R;
-    R.UpdateKind = ukDelete;
-    R.Fields = &P.Fields;
-    R.OldValues = P.Rows[Row];
-    return R;
-}
+TDeltaRecord Remove(const TDataPacket& P, int Row) { return Insert(P, Row, QString()); }
 
 } // namespace
 
@@ -177,11 +185,9 @@ private Q_SLOTS:
         F.Provider->BeforeUpdateRecord = [&](QObject*, TDataSet*, TDeltaRecord& Row, TUpdateKind, bool& Applied) {
             Applied = Row.OldValue(QStringLiteral("Id")).toInt() == 1;
         };
-        QList<TDeltaRecord> Delta{Modify(All, 0, QStringLiteral("Qty"), 99), Modify(All, 1, QStringLiteral("Qty"), 98)};
-        QJsonValue Owner;
-        QCOMPARE(F.Provider->ApplyUpdates(All.Fields, Delta, 0, Owner).ErrorCount(), 0);
-        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Qty FROM %1 WHERE Id = 1").arg(T)).toInt(), 10);
-        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Qty FROM %1 WHERE Id = 2").arg(T)).toInt(), 98);
+        QCOMPARE(F.Apply(All, {Modify(All, 0, QStringLiteral("Qty"), 99), Modify(All, 1, QStringLiteral("Qty"), 98)}, 0).ErrorCount(), 0);
+        QCOMPARE(QtyOf(*Db, T, 1), 10);
+        QCOMPARE(QtyOf(*Db, T, 2), 98);
     }
 
     // Rows 2 and 4 of five fail (a duplicate name); what is committed depends on MaxErrors.
@@ -218,8 +224,7 @@ private Q_SLOTS:
                 R.SetNewValue(QStringLiteral("Name"), QStringLiteral("n1"));  // violates UNIQUE
             Delta << R;
         }
-        QJsonValue Owner;
-        const TApplyResult R = F.Provider->ApplyUpdates(All.Fields, Delta, maxErrors, Owner);
+        const TApplyResult R = F.Apply(All, Delta, maxErrors);
         QCOMPARE(R.ErrorCount(), errors);
         QCOMPARE(R.Committed, committed);
         QCOMPARE(R.Errors[0].Index, 1);
@@ -259,9 +264,7 @@ private Q_SLOTS:
         const QString Other = otherColumn == QLatin1String("Note") ? QStringLiteral("'theirs'")
                               : otherColumn == QLatin1String("Id") ? QStringLiteral("7") : QStringLiteral("77");
         Db->Exec(QStringLiteral("UPDATE %1 SET %2 = %3 WHERE Id = 1").arg(T, otherColumn, Other));
-        QList<TDeltaRecord> Delta{Modify(All, 0, ourColumn, 5)};
-        QJsonValue Owner;
-        const TApplyResult R = F.Provider->ApplyUpdates(All.Fields, Delta, -1, Owner);
+        const TApplyResult R = F.Apply(All, {Modify(All, 0, ourColumn, 5)});
         QCOMPARE(R.ErrorCount(), conflict ? 1 : 0);
         if (!conflict)
             return;
@@ -285,8 +288,7 @@ private Q_SLOTS:
         QVERIFY(All.Rows[0][3].isNull());
         QList<TDeltaRecord> Delta{Modify(All, 0, QStringLiteral("Note"), QStringLiteral("set")), Remove(All, 0)};
         Delta[1].OldValues = Delta[0].NewValues;
-        QJsonValue Owner;
-        QCOMPARE(F.Provider->ApplyUpdates(All.Fields, Delta, 0, Owner).ErrorCount(), 0);
+        QCOMPARE(F.Apply(All, Delta, 0).ErrorCount(), 0);
         QCOMPARE(Db->Scalar(QStringLiteral("SELECT COUNT(*) FROM %1").arg(T)).toInt(), 0);
     }
 
@@ -325,13 +327,11 @@ private Q_SLOTS:
                 Row.SetNewValue(QStringLiteral("Qty"), 6);
             }
         };
-        QList<TDeltaRecord> Delta{Modify(All, 0, QStringLiteral("Qty"), 5), Modify(All, 1, QStringLiteral("Qty"), 8)};
-        QJsonValue Owner;
-        const TApplyResult R = F.Provider->ApplyUpdates(All.Fields, Delta, -1, Owner);
+        const TApplyResult R = F.Apply(All, {Modify(All, 0, QStringLiteral("Qty"), 5), Modify(All, 1, QStringLiteral("Qty"), 8)});
         QCOMPARE(R.ErrorCount(), errors);
         QCOMPARE(R.Committed, committed);
-        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Qty FROM %1 WHERE Id = 1").arg(T)).toInt(), qty1);
-        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Qty FROM %1 WHERE Id = 2").arg(T)).toInt(), committed ? 8 : 20);
+        QCOMPARE(QtyOf(*Db, T, 1), qty1);
+        QCOMPARE(QtyOf(*Db, T, 2), committed ? 8 : 20);
     }
 
     // Client values reach the database only bound: hostile text is stored and found as is.
