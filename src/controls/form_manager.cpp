@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QGuiApplication>
 #include <QMainWindow>
+#include <QLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -525,6 +526,27 @@ void TQxForm::Loaded()
     SetLang(Application()->BiDiMode() == bdRightToLeft ? bdRightToLeft : bdLeftToRight);
 }
 
+namespace {
+
+// The minimum size the program set on a form. The minimum that the form's own layout puts
+// on its window is no such constraint: a form shown for the first time keeps the size it
+// was made with instead of shrinking to what its layout can squeeze into.
+QSize MinimumConstraint(const QWidget* Form)
+{
+    QSize Minimum = Form->minimumSize();
+    const QLayout* Layout = Form->layout();
+    if (!Layout || Layout->sizeConstraint() != QLayout::SetDefaultConstraint)
+        return Minimum;
+    const QSize Imposed = Layout->totalMinimumSize();
+    if (Minimum.width() == Imposed.width())
+        Minimum.setWidth(0);
+    if (Minimum.height() == Imposed.height())
+        Minimum.setHeight(0);
+    return Minimum;
+}
+
+} // namespace
+
 void TQxForm::AdjustFormPos()
 {
     QWidget* Frame = d->Frame();
@@ -537,9 +559,10 @@ void TQxForm::AdjustFormPos()
     int Left = Frame->x(), Top = Frame->y(), Width = Frame->width(), Height = Frame->height();
     if (d->Options.testFlag(FoSaveSize)) {
         // Only a real size replaces the current one; 0 (or a damaged value) keeps it.
-        if (const int W = ReadInt("Width", Frame->minimumWidth()); W > 0)
+        const QSize Minimum = MinimumConstraint(Frame);
+        if (const int W = ReadInt("Width", Minimum.width()); W > 0)
             Width = W;
-        if (const int H = ReadInt("Height", Frame->minimumHeight()); H > 0)
+        if (const int H = ReadInt("Height", Minimum.height()); H > 0)
             Height = H;
     }
     if (d->Options.testFlag(FoSavePosition)) {

@@ -23,6 +23,8 @@
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <QLabel>
+#include <QVBoxLayout>
 #include <memory>
 
 using namespace Kesh;
@@ -325,6 +327,32 @@ private slots:
         auto Form = MakeForm("FormItems", QSize(200, 150));
         Loaded(Form.get(), FoSavePosition | FoSaveSize);
         QVERIFY(Form->windowState().testFlag(Qt::WindowMaximized));
+    }
+
+    void firstShowKeepsTheSize_data()
+    {
+        QTest::addColumn<QSize>("explicitMinimum");
+        QTest::addColumn<QSize>("expected");
+        QTest::newRow("the layout's minimum") << QSize() << QSize(400, 300);
+        QTest::newRow("a minimum the program set") << QSize(450, 320) << QSize(450, 320);
+    }
+
+    // Without a remembered size, a form laid out by a layout is shown at the size it was
+    // made with, not shrunk to the layout's minimum; a minimum the program set still counts.
+    void firstShowKeepsTheSize()
+    {
+        QFETCH(QSize, explicitMinimum);
+        QFETCH(QSize, expected);
+        auto Form = MakeForm("FormItems", QSize(400, 300));
+        auto* Layout = new QVBoxLayout(Form.get());
+        auto* Box = new QLabel(QStringLiteral("x"));
+        Box->setMinimumSize(120, 80);
+        Layout->addWidget(Box);
+        if (explicitMinimum.isValid())
+            Form->setMinimumSize(explicitMinimum);
+        Loaded(Form.get(), FoSavePosition | FoSaveSize);
+        QVERIFY(ShowAndActivate(Form.get()));
+        QCOMPARE(Form->size(), expected);
     }
 
     void mdiChildIsPlacedInItsArea()
