@@ -20,7 +20,10 @@ class TADOConnection;
 /// row is read the query is finished at once. On SQLite they come from a forward-only
 /// QSqlQuery whose SELECT holds its read lock until then: every write through the same
 /// TADOConnection (Post, Delete, Execute, ExecSQL, transactions) first reads the rest of
-/// the pending SELECTs, so it never disturbs them. On PostgreSQL a query (SELECT, VALUES,
+/// the pending SELECTs, so it never disturbs them, except that a dataset reading one plain
+/// table with a primary key (selected), no triggers and no key referring to itself goes on
+/// reading across its own Post and Delete: SQLite allows it, and the rows they wrote are
+/// then recognised by key and not read a second time. On PostgreSQL a query (SELECT, VALUES,
 /// TABLE or a read-only WITH) is read through a WITH HOLD cursor on the connection's own
 /// session, in blocks that grow to 4096 rows per round trip; outside the application's
 /// transactions the cursors live in a transaction of the connection's, which each write
@@ -117,7 +120,8 @@ private:
     void OpenQuery(const QString& Sql);
     QString WithParameterLiterals(const QString& Sql) const;
     void EnsureWriteMeta();
-    void PrepareWrite();
+    void PrepareWrite(const TRecordValues* NewValues = nullptr);
+    void RememberWritten(const TRecordValues& Values);
     QSqlRecord WhereRecord(const TRecordValues& OldValues, const QBitArray* Changed) const;
     void ReadBackRow(const QSqlQuery& Query, TRecordValues& Values) const;
     std::unique_ptr<class TADODataSetPrivate> const d;
