@@ -1,4 +1,5 @@
 #include "provider.h"
+#include "provider_paging_p.h"
 #include "../data/ado_connection.h"
 #include "../data/ado_dataset.h"
 #include "../data/db_consts_p.h"
@@ -78,6 +79,7 @@ public:
     QSqlDatabase Db() const { return Connection()->Database(); }
 
     void AssignParams(const QList<TPacketParam>& Params) const;
+    void OpenWrapped(TADODataSet* A, Detail::TPager& Pager);
     QString CommandKey() const { return Ado() ? Ado()->CommandText() + QChar(0) + Ado()->BaseTableName() : QString(); }
     void EnsureMeta();
     void BuildMeta();
@@ -105,6 +107,20 @@ void TDataSetProviderPrivate::AssignParams(const QList<TPacketParam>& Params) co
         Target->DataType = P.DataType;
         Target->Value = P.Value;
     }
+}
+
+void TDataSetProviderPrivate::OpenWrapped(TADODataSet* A, Detail::TPager& Pager)
+{
+    A->SetSelectWrap([&Pager](const QString& Select, QVariantMap& Binds, bool& UseCursor) {
+        return Pager.Wrap(Select, Binds, UseCursor);
+    });
+    try {
+        A->Open();
+    } catch (...) {
+        A->SetSelectWrap(nullptr);
+        throw;
+    }
+    A->SetSelectWrap(nullptr);
 }
 
 void TDataSetProviderPrivate::EnsureMeta()
@@ -378,27 +394,35 @@ TDataPacket TDataSetProvider::GetRecords(int Count, const QString& Token, const 
     TDataSet* DS = d->DataSet();
     if (BeforeGetRecords)
         BeforeGetRecords(this, OwnerData);
-    int Offset = 0;
-    if (!Token.isEmpty()) {
-        bool Ok = false;
-        Offset = Token.toInt(&Ok);
-        if (!Ok || Offset < 0)
-            throw EProviderRequestError(QStringLiteral("Invalid paging token"));
-    }
     d->AssignParams(Params);
     // An open dataset (opened by the module's own code) is read again as it stands;
-    // otherwise it is opened for this call only.
+    // otherwise it is opened for this call only, its SELECT wrapped to read one packet.
     const bool WasActive = DS->Active();
-    if (WasActive)
+    std::unique_ptr<Detail::TPager> Pager;
+    if (WasActive) {
+        Pager = std::make_unique<Detail::TPager>(TFieldDefs(), QVector<int>(), nullptr, Count, Token);
+        if (Pager->Kind() != Detail::TPager::Scan || Token.startsWith(QLatin1Char('k')))
+            throw EProviderRequestError(QStringLiteral("Invalid paging token"));
         DS->Refresh();
-    else
-        DS->Open();
+    } else {
+        d->EnsureMeta();
+        TADODataSet* A = d->Ado();
+        Pager = std::make_unique<Detail::TPager>(d->meta->fields, d->meta->keyColumns,
+                                                 A ? d->Db().driver() : nullptr, Count, Token);
+        if (A && Count != 0)
+            d->OpenWrapped(A, *Pager);
+        else if (Token.startsWith(QLatin1Char('k')))
+            throw EProviderRequestError(QStringLiteral("Invalid paging token"));
+        else
+            DS->Open();
+    }
     TDataPacket Packet;
     try {
         d->EnsureMeta();
         Packet.Fields = d->meta->fields;
         Packet.KeyFields = d->KeyNames();
         if (Count != 0) {
+            const int Offset = Pager->Skip();
             const qint64 Want = Count < 0 ? qint64(INT_MAX) - Offset : Count;
             while (DS->FetchedRowCount() < Offset + Want && !DS->FetchedAll() && DS->FetchMore() > 0) {
             }
@@ -413,8 +437,9 @@ TDataPacket TDataSetProvider::GetRecords(int Count, const QString& Token, const 
                 Packet.Rows.append(Row);
             }
             DS->UpdateCursorPos();
-            if (Count > 0 && (DS->FetchedRowCount() > End || (!DS->FetchedAll() && DS->FetchMore() > 0)))
-                Packet.NextToken = QString::number(End);
+            if (Count > 0 && !Packet.Rows.isEmpty()
+                && (DS->FetchedRowCount() > End || (!DS->FetchedAll() && DS->FetchMore() > 0)))
+                Packet.NextToken = Pager->NextToken(Packet.Rows.constLast(), int(Packet.Rows.size()));
         }
         if (OnGetData)
             OnGetData(this, Packet);
