@@ -23,6 +23,7 @@ public:
         TQxProviderItem* customers = providers->Providers()->Add();
         customers->SetName(QStringLiteral("Customers"));
         customers->SetCommandText(QStringLiteral("SELECT Cust_id, Name_a, Name_e, Balance FROM Customers ORDER BY Cust_id"));
+        customers->Provider()->SetOptions(poAutoRefresh);   // applied rows come back as stored
         providers->SetConnection(conn);
     }
 };
@@ -71,7 +72,12 @@ int main(int argc, char** argv)
     customers.Edit();
     customers.FieldByName(QStringLiteral("Balance"))->SetAsFloat(900);
     customers.Post();                              // kept in the change log
+    customers.Append();                            // a new row; the database gives its key
+    customers.FieldByName(QStringLiteral("Name_a"))->SetAsString(QStringLiteral("مكتبة المعرفة"));
+    customers.FieldByName(QStringLiteral("Name_e"))->SetAsString(QStringLiteral("Knowledge Bookshop"));
+    customers.Post();
     const int errors = customers.ApplyUpdates(0);  // one transaction on the server; 0: all or nothing
+    out << customers.FieldByName(QStringLiteral("Cust_id"))->AsInteger() << '\n';   // 3
     //! [client]
     out << customers.RecordCount() << " customers, " << errors << " errors\n";
 
