@@ -1,6 +1,7 @@
 // Kesh for Qt — the Qt Designer plugin: the widget-box entries and their descriptions.
 #include "kesh_designer.h"
 #include "property_sheet.h"
+#include "form_properties.h"
 
 #include "platform/widgets.h"
 
@@ -69,6 +70,7 @@ void TWidgetInterface::initialize(QDesignerFormEditorInterface* Core)
         return;
     m_core = Core;
     RegisterPropertySheet(Core->extensionManager());
+    WatchFormWindows(Core);
 }
 
 QString TWidgetInterface::domXml() const
