@@ -1,6 +1,7 @@
 // Kesh for Qt — the Qt Designer plugin: the widget-box entries and their descriptions.
 #include "kesh_designer.h"
 #include "property_sheet.h"
+#include "form_properties.h"
 
 #include "platform/widgets.h"
 
@@ -69,6 +70,7 @@ void TWidgetInterface::initialize(QDesignerFormEditorInterface* Core)
         return;
     m_core = Core;
     RegisterPropertySheet(Core->extensionManager());
+    WatchFormWindows(Core);
 }
 
 QString TWidgetInterface::domXml() const
@@ -91,8 +93,9 @@ QString TWidgetInterface::domXml() const
                        .arg(QString::fromLatin1(P.name()));
         // Captions are the program's own bilingual texts, not for Qt's translation.
         else if (P.metaType() == QMetaType::fromType<QString>() && P.isWritable())
-            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
-                         .arg(QString::fromLatin1(P.name()));
+            // Texts of several lines (the grid's columns) get Designer's text editor.
+            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"%2\"/>\n")
+                         .arg(QString::fromLatin1(P.name()), QByteArray(P.name()).endsWith("Text") ? QStringLiteral("multiline") : QStringLiteral("singleline"));
     }
     Xml += QStringLiteral(" </widget>\n <customwidgets>\n  <customwidget>\n   <class>%1</class>\n").arg(Class);
     if (!PlainStrings.isEmpty())

@@ -170,7 +170,8 @@ void FillSettings(TQxAdoConnection* Conn)
     } Rows[] = {
         {SetCompanyA, "Company name (Arabic)", "شركة كيش التجارية"},
         {SetCompanyE, "Company name (English)", "Kesh Trading Company"},
-        {SetCurrencyA, "Currency (Arabic)", "ريال"},
+        // The Arabic words of an amount need the name's four forms: one, two, three to ten, eleven and up.
+        {SetCurrencyA, "Currency (Arabic: one|two|3-10|11+)", "ريال|ريالان|ريالات|ريالا"},
         {SetCurrencyE, "Currency (English)", "Riyal"},
         {SetSubUnitA, "Sub-unit (Arabic)", "هللة"},
         {SetSubUnitE, "Sub-unit (English)", "Halala"},

@@ -42,6 +42,7 @@ public:
     QPointer<TDataSet> dataSet;
     TUpdateMode updateMode = upWhereAll;
     bool exported = true;
+    TProviderOptions options;
 
     // What writing needs, found once per command text of the dataset.
     struct TMeta
@@ -91,7 +92,24 @@ public:
     bool ReadCurrent(const TFieldDefs& Fields, const TRecordValues& KeySource, const QVector<int>& Map, TRecordValues& Current);
     QVector<int> MapFields(const TFieldDefs& Fields) const;
     void Exec(const QString& Sql);
+    void NoteRefreshed(TApplyResult& Result, int Index, const TDeltaRecord& Row, const TFieldDefs& Fields,
+                       const QVector<int>& Map, const TRecordValues& Sent);
 };
+
+// An applied insert or modify as the client should now hold it, when the options ask.
+void TDataSetProviderPrivate::NoteRefreshed(TApplyResult& Result, int Index, const TDeltaRecord& Row,
+                                            const TFieldDefs& Fields, const QVector<int>& Map, const TRecordValues& Sent)
+{
+    if (Row.UpdateKind == ukDelete || !(options & (poAutoRefresh | poPropogateChanges)))
+        return;
+    TRecordValues Now;
+    if ((options & poAutoRefresh) && ReadCurrent(Fields, Row.NewValues, Map, Now)) {
+        Result.Refreshed.append({Index, Now});
+        return;
+    }
+    if ((options & poPropogateChanges) && Row.NewValues != Sent)
+        Result.Refreshed.append({Index, Row.NewValues});
+}
 
 void TDataSetProviderPrivate::AssignParams(const QList<TPacketParam>& Params) const
 {
@@ -277,6 +295,13 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
     QSqlDriver* Driver = Db().driver();
     QString Sql;
     QSqlRecord Values, Where;
+    // The delta column of a one-column key an insert leaves to the database, or -1.
+    int AssignedKey = -1;
+    if (Row.UpdateKind == ukInsert && meta->keyColumns.size() == 1) {
+        AssignedKey = Map.indexOf(meta->keyColumns[0]);
+        if (AssignedKey >= Row.NewValues.size() || (AssignedKey >= 0 && !Row.NewValues[AssignedKey].isNull()))
+            AssignedKey = -1;
+    }
     if (Row.UpdateKind == ukInsert || Row.UpdateKind == ukModify) {
         const QBitArray Changed = Row.Changed();
         for (int i = 0; i < Map.size(); ++i) {
@@ -292,6 +317,9 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
     case ukInsert:
         Sql = Values.isEmpty() ? QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(Driver->escapeIdentifier(meta->table, QSqlDriver::TableName))
                                : Driver->sqlStatement(QSqlDriver::InsertStatement, meta->table, Values, true);
+        // PostgreSQL tells the key it assigned only when asked.
+        if (AssignedKey >= 0 && Driver->dbmsType() == QSqlDriver::PostgreSQL)
+            Sql += QLatin1String(" RETURNING ") + Driver->escapeIdentifier(meta->base.fieldName(meta->baseIndex[Map[AssignedKey]]), QSqlDriver::FieldName);
         break;
     case ukModify:
         if (Values.isEmpty())
@@ -317,6 +345,12 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
         TADOConnection::RaiseSqlError(Q.lastError());
     if (Row.UpdateKind != ukInsert && Q.numRowsAffected() == 0)
         throw EUpdateError(SRecordChanged());
+    // A key the database assigned (auto-increment) goes back into the row.
+    if (AssignedKey >= 0) {
+        const QVariant Id = Driver->dbmsType() == QSqlDriver::PostgreSQL ? (Q.next() ? Q.value(0) : QVariant()) : Q.lastInsertId();
+        if (Id.isValid() && !Id.isNull())
+            Row.NewValues[AssignedKey] = TField::ValueOf(meta->fields[meta->keyColumns[0]].DataType, Id);
+    }
 }
 
 QSqlQuery& TDataSetProviderPrivate::Statement(const QString& Sql)
@@ -385,6 +419,8 @@ void TDataSetProvider::SetDataSet(TDataSet* Value)
 
 TUpdateMode TDataSetProvider::UpdateMode() const { return d->updateMode; }
 void TDataSetProvider::SetUpdateMode(TUpdateMode Value) { d->updateMode = Value; }
+TProviderOptions TDataSetProvider::Options() const { return d->options; }
+void TDataSetProvider::SetOptions(TProviderOptions Value) { d->options = Value; }
 bool TDataSetProvider::Exported() const { return d->exported; }
 void TDataSetProvider::SetExported(bool Value) { d->exported = Value; }
 
@@ -463,6 +499,10 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
         BeforeApplyUpdates(this, OwnerData);
     for (TDeltaRecord& R : Delta)
         R.Fields = &Fields;
+    QList<TRecordValues> Sent;  // the client's values, to see what handlers changed
+    if (d->options & poPropogateChanges)
+        for (const TDeltaRecord& R : std::as_const(Delta))
+            Sent << R.NewValues;
     if (OnUpdateData)
         OnUpdateData(this, Delta);
     TADOConnection* Conn = d->Connection();
@@ -492,6 +532,7 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
                 if (AfterUpdateRecord)
                     AfterUpdateRecord(this, d->dataSet, Row, Kind);
                 d->Exec(QStringLiteral("RELEASE SAVEPOINT ") + Savepoint);
+                d->NoteRefreshed(Result, i, Row, Fields, Map, Sent.value(i));
                 continue;
             } catch (const Exception& E) {
                 d->Exec(QStringLiteral("ROLLBACK TO SAVEPOINT ") + Savepoint);
@@ -518,8 +559,10 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
                     }
                 }
                 d->Exec(QStringLiteral("RELEASE SAVEPOINT ") + Savepoint);
-                if (!Failed)
+                if (!Failed) {
+                    d->NoteRefreshed(Result, i, Row, Fields, Map, Sent.value(i));
                     continue;
+                }
                 TApplyResult::TRowError R;
                 R.Index = i;
                 R.UpdateKind = Kind;
@@ -545,6 +588,8 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
     }
     d->statements.clear();
     Result.Committed = !Abort;
+    if (Abort)
+        Result.Refreshed.clear();
     if (AfterApplyUpdates)
         AfterApplyUpdates(this, OwnerData);
     return Result;
