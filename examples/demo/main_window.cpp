@@ -446,6 +446,9 @@ void TMainWindow::ShowFigures()
     for (int I = 0; I < 3; ++I)
         SetBiCaption(d->Tiles[I].Value, {Values[I], Values[I]});
     SetBiCaption(d->Tiles[3].Value, {Money + QLatin1Char(' ') + d->Currency.Arabic, Money + QLatin1Char(' ') + d->Currency.English});
+    // A plain label aligns by its text, which here is Latin: pin it to the reading side.
+    const bool Rtl = Application()->BiDiMode() == bdRightToLeft;
+    d->Database->setAlignment((Rtl ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
 }
 
 void TMainWindow::About()

@@ -5,6 +5,7 @@
 #include "dialog_helper.h"
 #include "main_window.h"
 #include "sample_db.h"
+#include "screenshots.h"
 #include "settings_form.h"
 
 #include <Kesh.h>
@@ -389,6 +390,32 @@ private Q_SLOTS:
         OpenWindow();
         QCOMPARE(m_window->geometry().size(), Left.size());
         QCOMPARE(m_window->geometry().topLeft(), Left.topLeft());
+    }
+
+    // The screenshot run opens every registered form and dialog in both languages, writes
+    // one picture of each and leaves no window open behind it.
+    void screenshotRun()
+    {
+        OpenWindow();
+        QTemporaryDir Shots;
+        QVERIFY(Shots.isValid());
+        QCOMPARE(Demo::WriteScreenshots(*m_window, Shots.path()), 0);
+        QStringList Names = {QStringLiteral("main"), QStringLiteral("dialog-info"), QStringLiteral("dialog-error"),
+                             QStringLiteral("dialog-question"), QStringLiteral("calendar"), QStringLiteral("calendar-hijri")};
+        for (const Demo::TFormEntry* Entry : m_window->Forms())
+            Names << Entry->Name.toLower();
+        for (const QString& Name : Names) {
+            for (const char* Lang : {"ar", "en"}) {
+                const QString File = Shots.filePath(Name + QLatin1Char('-') + QLatin1String(Lang) + QStringLiteral(".png"));
+                const QImage Image(File);
+                QVERIFY2(!Image.isNull(), qPrintable(File));
+                QVERIFY2(Image.width() >= 200 && Image.height() >= 100, qPrintable(File));
+            }
+        }
+        QCOMPARE(m_window->OpenForms().size(), 0);
+        QVERIFY(!QApplication::activeModalWidget());
+        // Both languages were shown; the run ends in Arabic.
+        QCOMPARE(m_window->layoutDirection(), Qt::RightToLeft);
     }
 
 private:
