@@ -150,8 +150,8 @@ TMainWindow::TMainWindow(TDemoContext& Context, QWidget* Parent) : QMainWindow(P
 TMainWindow::~TMainWindow()
 {
     // The forms are windows of their own: they go with the application's main window.
-    for (QWidget* Form : OpenForms())
-        delete Form;
+    for (TFormEntry* Entry : std::as_const(d->Forms))
+        delete Entry->Window;
 }
 
 TDemoContext& TMainWindow::Context() const { return d->Context; }
