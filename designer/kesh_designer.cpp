@@ -91,8 +91,9 @@ QString TWidgetInterface::domXml() const
                        .arg(QString::fromLatin1(P.name()));
         // Captions are the program's own bilingual texts, not for Qt's translation.
         else if (P.metaType() == QMetaType::fromType<QString>() && P.isWritable())
-            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
-                         .arg(QString::fromLatin1(P.name()));
+            // Texts of several lines (the grid's columns) get Designer's text editor.
+            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"%2\"/>\n")
+                         .arg(QString::fromLatin1(P.name()), QByteArray(P.name()).endsWith("Text") ? QStringLiteral("multiline") : QStringLiteral("singleline"));
     }
     Xml += QStringLiteral(" </widget>\n <customwidgets>\n  <customwidget>\n   <class>%1</class>\n").arg(Class);
     if (!PlainStrings.isEmpty())

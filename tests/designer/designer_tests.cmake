@@ -7,7 +7,7 @@ target_sources(tst_designer_forms PRIVATE ${CMAKE_CURRENT_LIST_DIR}/forms/custom
 if(TARGET kesh_designer)
   find_package(Qt6 REQUIRED COMPONENTS Designer)
   target_sources(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer/property_sheet.cpp
-    ${PROJECT_SOURCE_DIR}/designer/font_task_menu.cpp)
+    ${PROJECT_SOURCE_DIR}/designer/task_menu.cpp ${PROJECT_SOURCE_DIR}/designer/columns_editor.cpp)
   target_include_directories(tst_designer_plugin PRIVATE ${PROJECT_SOURCE_DIR}/designer)
   target_link_libraries(tst_designer_plugin PRIVATE Qt6::Designer)
   target_compile_definitions(tst_designer_plugin PRIVATE
@@ -16,4 +16,15 @@ if(TARGET kesh_designer)
 else()
   set_target_properties(tst_designer_plugin PROPERTIES EXCLUDE_FROM_ALL ON)
   set_tests_properties(tst_designer_plugin PROPERTIES DISABLED ON)
+endif()
+
+# The grid's columns dialog and the context menu that opens it, compiled in.
+if(TARGET kesh_designer)
+  target_sources(tst_designer_columns PRIVATE ${PROJECT_SOURCE_DIR}/designer/columns_editor.cpp
+    ${PROJECT_SOURCE_DIR}/designer/task_menu.cpp)
+  target_include_directories(tst_designer_columns PRIVATE ${PROJECT_SOURCE_DIR}/designer)
+  target_link_libraries(tst_designer_columns PRIVATE Qt6::Designer)
+else()
+  set_target_properties(tst_designer_columns PROPERTIES EXCLUDE_FROM_ALL ON)
+  set_tests_properties(tst_designer_columns PROPERTIES DISABLED ON)
 endif()

@@ -7,7 +7,7 @@
 #include "Kesh_AdoDB.h"
 #include "Kesh_dbGrid.h"
 #include "dialog_helper.h"
-#include "font_task_menu.h"
+#include "task_menu.h"
 #include "property_sheet.h"
 
 #include <QBuffer>
@@ -449,7 +449,7 @@ private Q_SLOTS:
         QTest::newRow("label") << "Kesh::TQxLabel" << QStringList{"Font", "_Font_a", "_Font_e"};
         QTest::newRow("button") << "Kesh::TQxBitBtn" << QStringList{"_Font_a", "_Font_e"};
         QTest::newRow("radio group") << "Kesh::TQxRadioGroup" << QStringList{"Font", "_Font_a", "_Font_e"};
-        QTest::newRow("grid") << "Kesh::TQxdbGrid" << QStringList{"Font", "TitleFont"};
+        QTest::newRow("grid") << "Kesh::TQxdbGrid" << QStringList{"_ColumnsText", "Font", "TitleFont"};
         QTest::newRow("edit: none") << "Kesh::TQxEdit" << QStringList{};
     }
     void fontMenu()

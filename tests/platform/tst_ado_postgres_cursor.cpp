@@ -147,7 +147,11 @@ private Q_SLOTS:
                 Db->Connection()->RollbackTrans();
             QCOMPARE(QtyOf(4001).toInt(), Commit ? -4 : 40010);
         }
-        QCOMPARE(Q->FetchedAll(), !Db->IsPostgres());  // SQLite reads the rest before writing
+        // SQLite reads the rest before a statement of the application's; the dataset's own
+        // row writes leave its SELECT reading on.
+        const bool OwnRowWrite = write == QLatin1String("post") || write == QLatin1String("insert")
+                                 || write == QLatin1String("delete");
+        QCOMPARE(Q->FetchedAll(), !Db->IsPostgres() && !OwnRowWrite);
         QCOMPARE(Walk(Q.get()), Expected);
         QCOMPARE(ServerState(*Db), QStringLiteral("0 idle"));
     }

@@ -84,7 +84,8 @@ public:
     /// the rest of every attached dataset's unfinished SELECT (SQLite and other forward-only
     /// readers), and on PostgreSQL commits the transaction the datasets' cursors were opened
     /// in (the server keeps their remaining rows). Every write through this class calls it;
-    /// code that writes through Database() directly should call it first.
+    /// code that writes through Database() directly should call it first. Except, the
+    /// dataset about to write, is left as it is (it looks after its own rows).
     void FinishPendingFetches(TADODataSet* Except = nullptr);
 
     /// Runs Read, which only reads through Database(), so that a failing statement in it

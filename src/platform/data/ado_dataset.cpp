@@ -11,14 +11,13 @@
 #include <QSqlIndex>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QSet>
 
 namespace Kesh {
 
 using namespace DBConsts;
 
-namespace {
-
-QString SInsufficientBaseTable() { return QStringLiteral("Insufficient base table information for updating or refreshing."); }
+namespace Detail {
 
 // Text without its string literals and comments, so that keywords inside them do not count.
 QString StripLiterals(const QString& Sql)
@@ -48,6 +47,14 @@ QString StripLiterals(const QString& Sql)
     return R;
 }
 
+} // namespace Detail
+
+using Detail::StripLiterals;
+
+namespace {
+
+QString SInsufficientBaseTable() { return QStringLiteral("Insufficient base table information for updating or refreshing."); }
+
 // The one table of "SELECT … FROM table [alias] [WHERE|ORDER|…]"; empty for joins,
 // several tables or sub-queries.
 QString SingleTableOf(const QString& Sql)
@@ -64,6 +71,69 @@ QString SingleTableOf(const QString& Sql)
         QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch M = Table.match(S);
     return M.hasMatch() ? M.captured(1) : QString();
+}
+
+// A table name as the catalog holds it: without quotes, and without a "main." schema; empty
+// for a table of another schema.
+QString CatalogName(const QString& Table)
+{
+    static const QRegularExpression Part(QStringLiteral("^(?:(\"[^\"]+\"|\\[[^\\]]+\\]|`[^`]+`|[^.\"`\\[]+)\\.)?"
+                                                        "(\"[^\"]+\"|\\[[^\\]]+\\]|`[^`]+`|[^.\"`\\[]+)$"));
+    const QRegularExpressionMatch M = Part.match(Table.trimmed());
+    if (!M.hasMatch())
+        return QString();
+    auto Bare = [](QString N) {
+        const bool Quoted = N.size() >= 2 && QStringLiteral("\"[`").contains(N.front());
+        return Quoted ? N.mid(1, N.size() - 2) : N.trimmed();
+    };
+    const QString Schema = Bare(M.captured(1));
+    if (!Schema.isEmpty() && Schema.compare(QLatin1String("main"), Qt::CaseInsensitive) != 0)
+        return QString();
+    return Bare(M.captured(2));
+}
+
+// One text per key, the same for a value read from the server and one posted by the
+// dataset (5 and 5.0 and "5" alike), so that rows can be recognised by key.
+template <typename TValueOf>
+QString RowKey(const QVector<int>& Columns, TValueOf ValueOf)
+{
+    QString Key;
+    for (int c : Columns) {
+        const QVariant V = ValueOf(c);
+        const QString Text = V.isNull() ? QString() : V.metaType().id() == QMetaType::QByteArray
+                                                          ? QString::fromLatin1(V.toByteArray().toHex())
+                                                          : V.toString();
+        Key += (V.isNull() ? QStringLiteral("-") : QString::number(Text.size())) + QLatin1Char(':') + Text;
+    }
+    return Key;
+}
+
+// SQLite: whether a SELECT of the plain table Table alone (Select) can go on being read
+// across writes of single rows of it, that is whether such a write changes no other row of
+// it (no trigger, no key referring to the table itself, not a view). RowidKey: the key is
+// the table's INTEGER PRIMARY KEY, whose value every insert gives back.
+bool SQLiteReadsOnAcrossWrites(const QSqlDatabase& Db, const QString& Table, const QString& Select, bool& RowidKey)
+{
+    RowidKey = false;
+    const QString Name = CatalogName(Table);
+    if (Name.isEmpty() || CatalogName(SingleTableOf(Select)).compare(Name, Qt::CaseInsensitive) != 0)
+        return false;
+    QSqlQuery Q(Db);
+    Q.setForwardOnly(true);
+    const QString Sql = QStringLiteral(
+        "SELECT (SELECT sql FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE NOCASE),"
+        " (SELECT COUNT(*) FROM sqlite_master WHERE type = 'trigger' AND tbl_name = ? COLLATE NOCASE),"
+        " (SELECT COUNT(*) FROM pragma_foreign_key_list(?) WHERE \"table\" = ? COLLATE NOCASE),"
+        " (SELECT group_concat(upper(type)) FROM pragma_table_info(?) WHERE pk > 0)");
+    if (!Q.prepare(Sql))
+        return false;
+    for (int i = 0; i < 5; ++i)
+        Q.addBindValue(Name);
+    if (!Q.exec() || !Q.next() || Q.value(0).isNull() || Q.value(1).toInt() != 0 || Q.value(2).toInt() != 0)
+        return false;
+    static const QRegularExpression WithoutRowid(QStringLiteral("\\bWITHOUT\\s+ROWID\\b"), QRegularExpression::CaseInsensitiveOption);
+    RowidKey = Q.value(3).toString() == QLatin1String("INTEGER") && !StripLiterals(Q.value(0).toString()).contains(WithoutRowid);
+    return true;
 }
 
 } // namespace
@@ -84,8 +154,13 @@ public:
 
     std::unique_ptr<QSqlQuery> query;
     std::unique_ptr<Detail::TServerCursor> cursor;  // PostgreSQL: read instead of query
+    std::function<QString(const QString&, QVariantMap&, bool&)> selectWrap;
     bool pending = false;      // the query still has rows to read
     bool forwardOnly = false;  // the query holds the server's cursor (so writes must wait)
+    // Keys of the rows this dataset wrote while its SQLite SELECT was still being read:
+    // the SELECT may deliver them again (see TWriteMeta::readsOnAcrossWrites).
+    QSet<QString> written;
+    QVector<int> writtenKeys;  // the columns of those keys
 
     // What Post and Delete need, read at the first write (a look-up never pays for it).
     struct TWriteMeta
@@ -94,11 +169,18 @@ public:
         QSqlRecord baseRecord;   // the table's columns
         QVector<int> baseIndex;  // per dataset column: its column in baseRecord, or -1
         QVector<int> keyColumns; // dataset columns that find a row
+        // SQLite: the dataset's own writes may run while its SELECT is still being read.
+        // SQLite lets them, but the rest of the SELECT may or may not show the rows they
+        // touched; only those rows (found by the table's primary key) are then skipped,
+        // which needs a plain table read alone, whose writes change no other of its rows.
+        bool readsOnAcrossWrites = false;
+        bool rowidKey = false;   // the key is the table's INTEGER PRIMARY KEY (known after an insert)
     };
     std::unique_ptr<TWriteMeta> meta;
 
     QSqlDatabase Db() const { return connection->Database(); }
     bool IsPostgres() const { return Db().driver() && Db().driver()->dbmsType() == QSqlDriver::PostgreSQL; }
+    bool IsSQLite() const { return Db().driver() && Db().driver()->dbmsType() == QSqlDriver::SQLite; }
     void ResetMeta() { meta.reset(); }
 };
 
@@ -237,6 +319,8 @@ void TADODataSet::Clone(TADODataSet* Source, TLockType LockType)
 void TADODataSet::InternalOpen()
 {
     d->ResetMeta();
+    d->written.clear();
+    d->writtenKeys.clear();
     if (d->cloneSource) {
         ShareRowsWith(d->cloneSource);
         return;
@@ -252,8 +336,12 @@ void TADODataSet::InternalOpen()
         DatabaseError(QStringLiteral("CommandText does not return a result set"));
 
     d->forwardOnly = false;
-    if (!OpenCursor(Sql))
-        OpenQuery(Sql);
+    QVariantMap Binds;
+    bool UseCursor = true;
+    const QString Run = d->selectWrap ? d->selectWrap(Sql, Binds, UseCursor) : Sql;
+    // Values to bind make a prepared statement: a cursor is declared from text.
+    if (!UseCursor || !Binds.isEmpty() || !OpenCursor(Run))
+        OpenQuery(Run, Binds);
     d->pending = true;
 
     TFieldDefs& Defs = FieldDefsRef();
@@ -283,6 +371,8 @@ int TADODataSet::InternalFetch(int MaxRows)
     int Got = 0;
     for (;;) {
         while (Got < MaxRows && Q->next()) {
+            if (!d->written.isEmpty() && d->written.contains(RowKey(d->writtenKeys, [Q](int c) { return Q->value(c); })))
+                continue;  // already in the rows, as this dataset wrote it
             BeginFetchedRow();
             for (int c = 0; c < Columns; ++c)
                 SetFetchedValue(c, Q->value(c));
@@ -310,7 +400,9 @@ int TADODataSet::InternalFetch(int MaxRows)
 }
 
 // The statement's rows from a QSqlQuery: forward-only where the driver streams them.
-void TADODataSet::OpenQuery(const QString& Sql)
+void TADODataSet::SetSelectWrap(TSelectWrap Wrap) { d->selectWrap = std::move(Wrap); }
+
+void TADODataSet::OpenQuery(const QString& Sql, const QVariantMap& Binds)
 {
     d->query = std::make_unique<QSqlQuery>(d->Db());
     // PostgreSQL's forward-only mode streams rows over the connection and loses them when
@@ -318,15 +410,18 @@ void TADODataSet::OpenQuery(const QString& Sql)
     d->forwardOnly = !d->IsPostgres();
     d->query->setForwardOnly(d->forwardOnly);
     bool Ok;
-    if (d->paramCheck && d->parameters.Count() > 0) {
+    const bool WithParameters = d->paramCheck && d->parameters.Count() > 0;
+    if (WithParameters || !Binds.isEmpty()) {
         Ok = d->query->prepare(Sql);
         if (Ok) {
-            for (int i = 0; i < d->parameters.Count(); ++i) {
+            for (int i = 0; WithParameters && i < d->parameters.Count(); ++i) {
                 const TParameter* P = d->parameters.Items(i);
                 const QMetaType Type = TField::ValueType(P->DataType);
                 d->query->bindValue(QLatin1Char(':') + P->Name,
                                     P->Value.isValid() ? P->Value : QVariant(Type.isValid() ? Type : QMetaType::fromType<QString>()));
             }
+            for (auto B = Binds.cbegin(); B != Binds.cend(); ++B)
+                d->query->bindValue(QLatin1Char(':') + B.key(), B.value());
             Ok = d->query->exec();
         }
     } else {
@@ -384,6 +479,8 @@ void TADODataSet::InternalClose()
     d->cursor.reset();
     d->query.reset();
     d->pending = false;
+    d->written.clear();
+    d->writtenKeys.clear();
     d->ResetMeta();
 }
 
@@ -443,6 +540,7 @@ void TADODataSet::EnsureWriteMeta()
         BaseIndex[c] = Record.indexOf(Defs[c].Name);
     QVector<int> Keys;
     const QSqlIndex Primary = d->Db().primaryIndex(Table);
+    bool ReadsOn = false, RowidKey = false;
     for (int k = 0; k < Primary.count(); ++k) {
         const int Column = Defs.IndexOf(Primary.fieldName(k));
         if (Column < 0) {
@@ -451,6 +549,8 @@ void TADODataSet::EnsureWriteMeta()
         }
         Keys << Column;
     }
+    if (!Keys.isEmpty() && d->IsSQLite())
+        ReadsOn = SQLiteReadsOnAcrossWrites(d->Db(), Table, SelectText(), RowidKey);
     if (Keys.isEmpty()) {
         for (int c = 0; c < Defs.Count(); ++c) {
             const TFieldType T = Defs[c].DataType;
@@ -466,6 +566,8 @@ void TADODataSet::EnsureWriteMeta()
     Meta->baseRecord = Record;
     Meta->baseIndex = BaseIndex;
     Meta->keyColumns = Keys;
+    Meta->readsOnAcrossWrites = ReadsOn;
+    Meta->rowidKey = RowidKey;
     d->meta = std::move(Meta);
 }
 
@@ -498,11 +600,27 @@ QSqlRecord TADODataSet::WhereRecord(const TRecordValues& OldValues, const QBitAr
     return Where;
 }
 
-void TADODataSet::PrepareWrite()
+// Readies the connection for a write of one row. The dataset's own unfinished SQLite SELECT
+// goes on where it can (see TWriteMeta::readsOnAcrossWrites): reading its million rows
+// first would make the first Post of a big table wait seconds. An insert also needs its
+// key known once written (NewValues), to be recognised should the SELECT bring it.
+void TADODataSet::PrepareWrite(const TRecordValues* NewValues)
 {
     CheckCanModify();
     EnsureWriteMeta();
-    d->connection->FinishPendingFetches();
+    bool ReadOn = d->pending && d->forwardOnly && d->meta->readsOnAcrossWrites;
+    if (ReadOn && NewValues && !d->meta->rowidKey)
+        for (int c : std::as_const(d->meta->keyColumns))
+            ReadOn = ReadOn && !NewValues->value(c).isNull();
+    d->connection->FinishPendingFetches(ReadOn ? this : nullptr);
+}
+
+void TADODataSet::RememberWritten(const TRecordValues& Values)
+{
+    if (!d->pending || !d->forwardOnly)
+        return;
+    d->writtenKeys = d->meta->keyColumns;
+    d->written.insert(RowKey(d->writtenKeys, [&Values](int c) { return Values.value(c); }));
 }
 
 void TADODataSet::ApplyUpdate(const TRecordValues& OldValues, TRecordValues& NewValues, const QBitArray& Changed)
@@ -518,6 +636,8 @@ void TADODataSet::ApplyUpdate(const TRecordValues& OldValues, TRecordValues& New
     }
     if (Set.isEmpty())
         return;
+    RememberWritten(OldValues);
+    RememberWritten(NewValues);
     const QSqlRecord Where = WhereRecord(OldValues, &Changed);
     QSqlDriver* Driver = d->Db().driver();
     const QString Sql = Driver->sqlStatement(QSqlDriver::UpdateStatement, d->meta->baseTable, Set, true) + QLatin1Char(' ')
@@ -537,6 +657,7 @@ void TADODataSet::ApplyUpdate(const TRecordValues& OldValues, TRecordValues& New
 void TADODataSet::ApplyDelete(const TRecordValues& OldValues)
 {
     PrepareWrite();
+    RememberWritten(OldValues);
     const QSqlRecord Where = WhereRecord(OldValues, nullptr);
     QSqlDriver* Driver = d->Db().driver();
     const QString Sql = Driver->sqlStatement(QSqlDriver::DeleteStatement, d->meta->baseTable, QSqlRecord(), true)
@@ -553,7 +674,19 @@ void TADODataSet::ApplyDelete(const TRecordValues& OldValues)
 
 void TADODataSet::ApplyInsert(TRecordValues& Values)
 {
-    PrepareWrite();
+    PrepareWrite(&Values);
+    // Whatever happens after the row is in, the SELECT must not bring it a second time.
+    struct TRemember
+    {
+        TADODataSet* Self;
+        TRecordValues& Values;
+        bool Inserted = false;
+        ~TRemember()
+        {
+            if (Inserted)
+                Self->RememberWritten(Values);
+        }
+    } Remember{this, Values};
     // Only the values given: the server fills the rest (keys, defaults).
     QSqlRecord Insert;
     for (int c = 0; c < Values.size(); ++c) {
@@ -577,6 +710,7 @@ void TADODataSet::ApplyInsert(TRecordValues& Values)
         Q.addBindValue(Insert.value(i));
     if (!Q.exec())
         TADOConnection::RaiseSqlError(Q.lastError());
+    Remember.Inserted = true;
 
     if (Returning) {
         if (Q.next())

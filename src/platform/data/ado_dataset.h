@@ -4,6 +4,8 @@
 #include "dataset.h"
 #include <QPointer>
 #include <QStringList>
+#include <QVariantMap>
+#include <functional>
 #include <memory>
 
 class QSqlQuery;
@@ -20,7 +22,10 @@ class TADOConnection;
 /// row is read the query is finished at once. On SQLite they come from a forward-only
 /// QSqlQuery whose SELECT holds its read lock until then: every write through the same
 /// TADOConnection (Post, Delete, Execute, ExecSQL, transactions) first reads the rest of
-/// the pending SELECTs, so it never disturbs them. On PostgreSQL a query (SELECT, VALUES,
+/// the pending SELECTs, so it never disturbs them, except that a dataset reading one plain
+/// table with a primary key (selected), no triggers and no key referring to itself goes on
+/// reading across its own Post and Delete: SQLite allows it, and the rows they wrote are
+/// then recognised by key and not read a second time. On PostgreSQL a query (SELECT, VALUES,
 /// TABLE or a read-only WITH) is read through a WITH HOLD cursor on the connection's own
 /// session, in blocks that grow to 4096 rows per round trip; outside the application's
 /// transactions the cursors live in a transaction of the connection's, which each write
@@ -110,14 +115,21 @@ protected:
 private:
     friend class TADOConnection;
     friend class TDataSetTotalsPrivate;  // sums the rows of SelectText on the server
+    friend class TDataSetProviderPrivate;  // reads one packet through a rewritten SELECT
+    /// For the opens that follow (until reset): Wrap gets the SELECT about to run and
+    /// returns the one to run instead, adding the values of its own named placeholders
+    /// to Binds; UseCursor false reads the result with one plain query.
+    using TSelectWrap = std::function<QString(const QString& Select, QVariantMap& Binds, bool& UseCursor)>;
+    void SetSelectWrap(TSelectWrap Wrap);
     void ConnectionClosing();
     bool HasPendingFetch() const;
     bool CursorInApplicationTransaction() const;
     bool OpenCursor(const QString& Sql);
-    void OpenQuery(const QString& Sql);
+    void OpenQuery(const QString& Sql, const QVariantMap& Binds);
     QString WithParameterLiterals(const QString& Sql) const;
     void EnsureWriteMeta();
-    void PrepareWrite();
+    void PrepareWrite(const TRecordValues* NewValues = nullptr);
+    void RememberWritten(const TRecordValues& Values);
     QSqlRecord WhereRecord(const TRecordValues& OldValues, const QBitArray* Changed) const;
     void ReadBackRow(const QSqlQuery& Query, TRecordValues& Values) const;
     std::unique_ptr<class TADODataSetPrivate> const d;
