@@ -422,7 +422,8 @@ void TMainWindow::RefreshStart()
     if (Conn && Conn->Connected()) {
         d->CompanyName = {Conn->ReadSetting(SetCompanyA, QStringLiteral("شركة كيش التجارية")).toString(),
                           Conn->ReadSetting(SetCompanyE, QStringLiteral("Kesh Trading Company")).toString()};
-        d->Currency = {Conn->ReadSetting(SetCurrencyA, QStringLiteral("ريال")).toString(),
+        // The Arabic name may hold its four forms, "one|two|three to ten|eleven and up".
+        d->Currency = {Conn->ReadSetting(SetCurrencyA, QStringLiteral("ريال")).toString().section(QLatin1Char('|'), 0, 0),
                        Conn->ReadSetting(SetCurrencyE, QStringLiteral("Riyal")).toString()};
         // Aggregates on the server: the start panel never loads a table.
         d->Figures.Customers = Conn->DCount(QStringLiteral("Customers"), QString());
@@ -441,8 +442,9 @@ void TMainWindow::RefreshStart()
 void TMainWindow::ShowFigures()
 {
     const QString Money = FormatFloat(QStringLiteral("#,##0.00"), d->Figures.MonthSales);
-    const QString Values[] = {QString::number(d->Figures.Customers), QString::number(d->Figures.Items),
-                              QString::number(d->Figures.Invoices)};
+    const QString Count = QStringLiteral("#,##0");
+    const QString Values[] = {FormatFloat(Count, d->Figures.Customers), FormatFloat(Count, d->Figures.Items),
+                              FormatFloat(Count, d->Figures.Invoices)};
     for (int I = 0; I < 3; ++I)
         SetBiCaption(d->Tiles[I].Value, {Values[I], Values[I]});
     SetBiCaption(d->Tiles[3].Value, {Money + QLatin1Char(' ') + d->Currency.Arabic, Money + QLatin1Char(' ') + d->Currency.English});

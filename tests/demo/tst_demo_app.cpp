@@ -1,6 +1,6 @@
-// The sales application on live windows: its sample database on SQLite and PostgreSQL, the
-// start panel's figures, the language switch with forms open, the refusal to close over
-// unsaved changes, the settings form and the remembered placement and language.
+// The sales application on live windows: the start panel's figures on SQLite and PostgreSQL,
+// the language switch with forms open, the refusal to close over unsaved changes, the
+// settings form, the remembered placement and language, and the screenshot run.
 #include "db_test_helper.h"
 #include "dialog_helper.h"
 #include "main_window.h"
@@ -14,10 +14,9 @@
 
 #include <QDate>
 #include <QMenuBar>
-#include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <map>
 #include <memory>
 
 using namespace Kesh;
@@ -25,64 +24,15 @@ using KeshTest::DialogDriver;
 
 namespace {
 
-// Fewer lines than the application's hundred thousand keep the windows' tests quick; the
-// sample test below makes the full database.
+// Few invoice lines keep the windows' tests quick; tst_sample_db checks the full database.
 const int QuickLines = 2000;
 
-// A new, empty database: an SQLite file in a temporary folder, or a PostgreSQL database
-// made on the test server under a name of its own and dropped at the end.
-class TFreshDatabase
+// The sample database on a database of its own (a file, or a PostgreSQL database dropped at
+// the end), with the application's connection to it.
+struct TSalesDatabase
 {
-public:
-    ~TFreshDatabase()
-    {
-        Conn.Close();
-        if (!m_pgName.isEmpty()) {
-            TQxAdoConnection Admin;
-            Admin.SetConnectionString(m_pgAdmin);
-            Admin.Open();
-            Admin.Exec(QStringLiteral("DROP DATABASE IF EXISTS ") + m_pgName);
-        }
-    }
-
-    bool Open(const QString& Driver, QString& Reason)
-    {
-        try {
-            if (Driver == QLatin1String("sqlite")) {
-                Conn.SetConnectionString(QStringLiteral("Driver=QSQLITE;Database=") + m_dir.filePath(QStringLiteral("sales.db")));
-            } else {
-                m_pgAdmin = qEnvironmentVariable("KESH_TEST_PG");
-                if (m_pgAdmin.isEmpty()) {
-                    Reason = QStringLiteral("KESH_TEST_PG names no PostgreSQL server");
-                    return false;
-                }
-                TQxAdoConnection Admin;
-                Admin.SetConnectionString(m_pgAdmin);
-                Admin.Open();
-                const QString Name = QStringLiteral("kesh_demo_%1_%2").arg(QCoreApplication::applicationPid()).arg(QRandomGenerator::global()->bounded(1000000));
-                if (!Admin.Exec(QStringLiteral("CREATE DATABASE ") + Name)) {
-                    Reason = Admin.ErrorMessage();
-                    return false;
-                }
-                m_pgName = Name;
-                QString Target = m_pgAdmin;
-                Target.replace(QRegularExpression(QStringLiteral("Database=[^;]*")), QStringLiteral("Database=") + Name);
-                Conn.SetConnectionString(Target);
-            }
-            Conn.Open();
-        } catch (const Exception& E) {
-            Reason = E.Message;
-            return false;
-        }
-        return true;
-    }
-
+    std::unique_ptr<KeshTest::TTestDatabase> Server;
     TQxAdoConnection Conn;
-
-private:
-    QTemporaryDir m_dir;
-    QString m_pgAdmin;
-    QString m_pgName;
 };
 
 QVariant Scalar(TQxAdoConnection& Conn, const QString& Sql)
@@ -123,10 +73,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_dir.isValid());
         ConfigFile = m_dir.filePath(QStringLiteral("demo.ini"));
-        QString Reason;
-        QVERIFY2(m_db.Open(QStringLiteral("sqlite"), Reason), qPrintable(Reason));
-        Demo::EnsureSampleDatabase(&m_db.Conn, QuickLines);
-        m_context.Conn = &m_db.Conn;
+        QVERIFY(Database(QStringLiteral("sqlite")));
     }
 
     void init()
@@ -142,77 +89,51 @@ private Q_SLOTS:
         Application()->SetBiDiMode(bdLeftToRight);
     }
 
-    // The application's own database, made in full on each server: the promised numbers of
-    // rows, and every invoice's total the sum of its lines.
-    void sampleDatabase_data() { KeshTest::AddDriverRows(); }
-    void sampleDatabase()
-    {
-        QFETCH(QString, driver);
-        TFreshDatabase Db;
-        QString Reason;
-        if (!Db.Open(driver, Reason)) {
-            if (driver == QLatin1String("postgres") && !KeshTest::PostgresRequired())
-                QSKIP(qPrintable(Reason));
-            QFAIL(qPrintable(Reason));
-        }
-        QElapsedTimer Clock;
-        Clock.start();
-        Demo::EnsureSampleDatabase(&Db.Conn);
-        qInfo("%s: sample database made in %lld ms", qPrintable(driver), static_cast<long long>(Clock.elapsed()));
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Customers"), QString()), 300);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Items"), QString()), 200);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Invoices"), QString()), 20000);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("InvoiceLines"), QString()), 100000);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Invoices"),
-                                QStringLiteral("ABS(Total - (SELECT SUM(L.Line_total) FROM InvoiceLines L "
-                                               "WHERE L.Inv_id = Invoices.Inv_id)) > 0.005")),
-                 0);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Invoices"),
-                                QStringLiteral("NOT EXISTS (SELECT 1 FROM InvoiceLines L WHERE L.Inv_id = Invoices.Inv_id)")),
-                 0);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("InvoiceLines"), QStringLiteral("ABS(Line_total - ROUND(Qty * Price, 2)) > 0.005")), 0);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Invoices"), QStringLiteral("Inv_date < 20240101 OR Inv_date > 20261231")), 0);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("Customers"), QStringLiteral("Name_a = '' OR Name_e = ''")), 0);
-        QVERIFY(!Db.Conn.ReadSetting(Demo::SetCompanyA, QString()).toString().isEmpty());
-        QVERIFY(!Db.Conn.ReadSetting(Demo::SetCompanyE, QString()).toString().isEmpty());
-        // A second start finds the database made and adds nothing.
-        Demo::EnsureSampleDatabase(&Db.Conn);
-        QCOMPARE(Db.Conn.DCount(QStringLiteral("InvoiceLines"), QString()), 100000);
-    }
-
     // The start panel counts with the database's aggregates; this month's sales take the
     // invoices dated in this month, whether the date was entered Gregorian or Hijri.
     void monthSales_data()
     {
+        QTest::addColumn<QString>("driver");
         QTest::addColumn<int>("date");
         QTest::addColumn<bool>("counted");
         const QDate Today = QDate::currentDate();
         const int Gregorian = DateEncode(Today.year(), Today.month(), Today.day());
         const QDate LastMonth = Today.addMonths(-1);
         const int Earlier = DateEncode(LastMonth.year(), LastMonth.month(), 15);
-        QTest::newRow("today, Gregorian") << Gregorian << true;
-        QTest::newRow("today, Hijri") << ConvertDate(Gregorian) << true;
-        QTest::newRow("first of the month") << DateEncode(Today.year(), Today.month(), 1) << true;
-        QTest::newRow("last month, Gregorian") << Earlier << false;
-        QTest::newRow("last month, Hijri") << ConvertDate(Earlier) << false;
+        const struct {
+            const char* Name;
+            int Date;
+            bool Counted;
+        } Rows[] = {{"today, Gregorian", Gregorian, true},
+                    {"today, Hijri", ConvertDate(Gregorian), true},
+                    {"first of the month", DateEncode(Today.year(), Today.month(), 1), true},
+                    {"last month, Gregorian", Earlier, false},
+                    {"last month, Hijri", ConvertDate(Earlier), false}};
+        for (const char* Driver : {"sqlite", "postgres"})
+            for (const auto& Row : Rows)
+                QTest::addRow("%s, %s", Driver, Row.Name) << QString::fromLatin1(Driver) << Row.Date << Row.Counted;
     }
     void monthSales()
     {
+        QFETCH(QString, driver);
         QFETCH(int, date);
         QFETCH(bool, counted);
-        OpenWindow();
+        TQxAdoConnection* Conn = Database(driver);
+        if (!Conn)
+            return;
+        QVERIFY(OpenWindow(driver));
         const Demo::TStartFigures Before = m_window->Figures();
         QCOMPARE(Before.Customers, 300);
         QCOMPARE(Before.Items, 200);
-        QCOMPARE(Before.Invoices, m_db.Conn.DCount(QStringLiteral("Invoices"), QString()));
-        const int Id = m_db.Conn.GetNextID(QStringLiteral("Invoices"), QStringLiteral("Inv_id"), QString()).toInt();
-        QVERIFY(m_db.Conn.Exec(QStringLiteral("INSERT INTO Invoices (Inv_id, Inv_date, Cust_id, Payment, Posted, Total) "
+        QCOMPARE(Before.Invoices, Conn->DCount(QStringLiteral("Invoices"), QString()));
+        const int Id = Demo::NextId(Conn, QStringLiteral("Invoices"), QStringLiteral("Inv_id"));
+        QVERIFY(Conn->Exec(QStringLiteral("INSERT INTO Invoices (Inv_id, Inv_date, Cust_id, Payment, Posted, Total) "
                                               "VALUES (%1, %2, 1, 'C', %3, 1234.5)")
                                    .arg(Id)
                                    .arg(date)
                                    .arg(QStringLiteral("FALSE"))));
         m_window->RefreshStart();
-        m_db.Conn.Exec(QStringLiteral("DELETE FROM Invoices WHERE Inv_id = %1").arg(Id));
+        Conn->Exec(QStringLiteral("DELETE FROM Invoices WHERE Inv_id = %1").arg(Id));
         const Demo::TStartFigures After = m_window->Figures();
         QCOMPARE(After.Invoices, Before.Invoices + 1);
         QCOMPARE(After.MonthSales - Before.MonthSales, counted ? 1234.5 : 0.0);
@@ -230,7 +151,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, toArabic);
         Application()->SetBiDiMode(toArabic ? bdLeftToRight : bdRightToLeft);
-        OpenWindow();
+        QVERIFY(OpenWindow());
         QWidget* Settings = m_window->OpenForm(QStringLiteral("Settings"));
         QWidget* Tools = m_window->OpenForm(QStringLiteral("Tools"));
         QVERIFY(Settings && Tools);
@@ -276,7 +197,7 @@ private Q_SLOTS:
         QFETCH(bool, typed);
         QFETCH(bool, arabic);
         Application()->SetBiDiMode(arabic ? bdRightToLeft : bdLeftToRight);
-        OpenWindow();
+        QVERIFY(OpenWindow());
         QPointer<QWidget> Tools = m_window->OpenForm(QStringLiteral("Tools"));
         QPointer<Demo::TSettingsForm> Settings = qobject_cast<Demo::TSettingsForm*>(m_window->OpenForm(QStringLiteral("Settings")));
         QVERIFY(Tools && Settings);
@@ -331,7 +252,7 @@ private Q_SLOTS:
         QFETCH(bool, saved);
         const bool Arabic = field.endsWith(QLatin1Char('A'));
         Application()->SetBiDiMode(Arabic ? bdRightToLeft : bdLeftToRight);
-        OpenWindow();
+        QVERIFY(OpenWindow());
         auto* Settings = qobject_cast<Demo::TSettingsForm*>(m_window->OpenForm(QStringLiteral("Settings")));
         QVERIFY(Settings);
         auto* Edit = Settings->findChild<TQxEdit*>(field);
@@ -354,7 +275,7 @@ private Q_SLOTS:
         QCOMPARE(Settings->isVisible(), !saved);
         // Read back through a connection of its own, past any cache of this one.
         TQxAdoConnection Reader;
-        Reader.SetConnectionString(m_db.Conn.ConnectionString());
+        Reader.SetConnectionString(Database(QStringLiteral("sqlite"))->ConnectionString());
         Reader.Open();
         const int Id = field == QLatin1String("edtCompanyE") ? Demo::SetCompanyE
                      : field == QLatin1String("edtCompanyA") ? Demo::SetCompanyA
@@ -373,21 +294,21 @@ private Q_SLOTS:
             QTRY_VERIFY(!Settings->isVisible());
         }
         // Put the stored value back for the next rows.
-        m_db.Conn.SaveSetting(Id, QString(), Before);
+        Database(QStringLiteral("sqlite"))->SaveSetting(Id, QString(), Before);
     }
 
     // Where the user left the main window and which language was chosen come back with the
     // next start.
     void placementRemembered()
     {
-        OpenWindow();
+        QVERIFY(OpenWindow());
         m_window->setGeometry(QRect(QPoint(70, 60), QSize(900, 600)));
         QTest::keyClick(m_window.get(), Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
         const QRect Left = m_window->geometry();
         m_window.reset();
         Application()->SetBiDiMode(bdLeftToRight);
         QCOMPARE(ReadSetting(QStringLiteral("MainWindow"), QStringLiteral("Language"), QString()).toString(), QStringLiteral("ar"));
-        OpenWindow();
+        QVERIFY(OpenWindow());
         QCOMPARE(m_window->geometry().size(), Left.size());
         QCOMPARE(m_window->geometry().topLeft(), Left.topLeft());
     }
@@ -396,7 +317,7 @@ private Q_SLOTS:
     // one picture of each and leaves no window open behind it.
     void screenshotRun()
     {
-        OpenWindow();
+        QVERIFY(OpenWindow());
         QTemporaryDir Shots;
         QVERIFY(Shots.isValid());
         QCOMPARE(Demo::WriteScreenshots(*m_window, Shots.path()), 0);
@@ -419,17 +340,48 @@ private Q_SLOTS:
     }
 
 private:
-    void OpenWindow()
+    // The sample database of Driver, made on first use; nullptr (the test skipped or failed)
+    // when the server is missing.
+    TQxAdoConnection* Database(const QString& Driver)
     {
+        std::unique_ptr<TSalesDatabase>& Db = m_databases[Driver];
+        if (Db)
+            return &Db->Conn;
+        QString Reason;
+        auto Made = std::make_unique<TSalesDatabase>();
+        Made->Server = KeshTest::TTestDatabase::OpenPrivate(Driver, Reason);
+        if (!Made->Server) {
+            if (Driver == QLatin1String("postgres") && !KeshTest::PostgresRequired() && qEnvironmentVariableIsEmpty("KESH_TEST_PG"))
+                QTest::qSkip(qPrintable(Reason), __FILE__, __LINE__);
+            else
+                QTest::qFail(qPrintable(Reason), __FILE__, __LINE__);
+            return nullptr;
+        }
+        try {
+            Made->Conn.SetConnectionString(Made->Server->ConnectionString());
+            Made->Conn.Open();
+            Demo::EnsureSampleDatabase(&Made->Conn, QuickLines);
+        } catch (const Exception& E) {
+            QTest::qFail(qPrintable(E.Message), __FILE__, __LINE__);
+            return nullptr;
+        }
+        Db = std::move(Made);
+        return &Db->Conn;
+    }
+
+    bool OpenWindow(const QString& Driver = QStringLiteral("sqlite"))
+    {
+        m_context.Conn = Database(Driver);
+        if (!m_context.Conn)
+            return false;
         m_window = std::make_unique<Demo::TMainWindow>(m_context);
         m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         m_window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        return QTest::qWaitForWindowActive(m_window.get());
     }
 
     QTemporaryDir m_dir;
-    TFreshDatabase m_db;
+    std::map<QString, std::unique_ptr<TSalesDatabase>> m_databases;
     Demo::TDemoContext m_context;
     std::unique_ptr<Demo::TMainWindow> m_window;
 };
