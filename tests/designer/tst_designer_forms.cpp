@@ -305,6 +305,38 @@ private Q_SLOTS:
         QVERIFY2(Text.startsWith(QLatin1String("EndLoading")), qPrintable(Text));
     }
 
+    void emptyFormPropertiesIgnored_data()
+    {
+        QTest::addColumn<QVariantMap>("values");
+        QTest::addColumn<QString>("title"); // "-": no manager made
+        const QVariantMap AllEmpty{{"QxForm_Name", QString()}, {"QxForm_Caption_a", QString()}, {"QxForm_Caption_e", QString()},
+                                   {"QxForm_Options", QString()}, {"QxForm_BiStrings", QStringList()}};
+        QTest::newRow("all empty: no manager") << AllEmpty << "-";
+        QVariantMap Caption = AllEmpty;
+        Caption["QxForm_Caption_e"] = QStringLiteral("Orders");
+        QTest::newRow("a caption: a manager") << Caption << "Orders";
+        QVariantMap Named = AllEmpty;
+        Named["QxForm_Name"] = QStringLiteral("fmOrders");
+        QTest::newRow("a name only: a manager") << Named << "";
+    }
+    void emptyFormPropertiesIgnored()
+    {
+        QFETCH(QVariantMap, values);
+        QFETCH(QString, title);
+        QWidget Form;
+        Form.setObjectName(QStringLiteral("Orders"));
+        for (auto It = values.begin(); It != values.end(); ++It)
+            Form.setProperty(It.key().toLatin1(), It.value());
+        QCOMPARE(EndLoadingError(&Form), QString());
+        auto* M = Form.findChild<TQxForm*>();
+        QCOMPARE(M != nullptr, title != QLatin1String("-"));
+        if (!M)
+            return;
+        QCOMPARE(M->objectName(), values.value("QxForm_Name").toString().isEmpty() ? QStringLiteral("QxForm1") : values.value("QxForm_Name").toString());
+        M->SetLang(bdLeftToRight);
+        QCOMPARE(Form.windowTitle(), title);
+    }
+
     void valuesFromCode()
     {
         // The stored forms are ordinary conversions: code may use them through setProperty.
