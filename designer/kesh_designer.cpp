@@ -10,12 +10,31 @@
 #include <QPixmap>
 #include <QWidget>
 #include <QtDesigner/QDesignerFormEditorInterface>
+#include <QtDesigner/QDesignerFormWindowInterface>
+#include <QEvent>
 #include <QtDesigner/QExtensionManager>
 #include <memory>
 
 namespace KeshDesigner {
 
 namespace {
+
+// Designer builds a form's widgets in its form window, and builds them again, through the
+// same plugin, outside any form window for Form > Preview: decided once the widget is
+// placed, at its first polish.
+class TPreviewWatcher : public QObject
+{
+public:
+    bool eventFilter(QObject* Object, QEvent* Event) override
+    {
+        if (Event->type() == QEvent::Polish) {
+            Object->removeEventFilter(this);
+            if (!QDesignerFormWindowInterface::findFormWindow(static_cast<QWidget*>(Object)))
+                Kesh::SetDesigning(Object, false);
+        }
+        return false;
+    }
+};
 
 // The properties a Kesh class adds to its Qt base, in declaration order.
 QList<QMetaProperty> OwnProperties(const QMetaObject* Meta)
@@ -29,6 +48,13 @@ QList<QMetaProperty> OwnProperties(const QMetaObject* Meta)
     return Result;
 }
 } // namespace
+
+void MarkDesigning(QWidget* Widget)
+{
+    static TPreviewWatcher Watcher;
+    Kesh::SetDesigning(Widget);
+    Widget->installEventFilter(&Watcher);
+}
 
 TWidgetInterface::TWidgetInterface(const TComponent& Component, QObject* Parent)
     : QObject(Parent), m_component(Component)
@@ -59,7 +85,7 @@ QWidget* TWidgetInterface::createWidget(QWidget* Parent)
     // Inside Designer the component behaves as designed, not as run; a run-time loader of
     // .ui files (QUiLoader) initializes the plugin without a form editor and gets live ones.
     if (m_core)
-        Kesh::SetDesigning(Widget);
+        MarkDesigning(Widget);
     return Widget;
 }
 
