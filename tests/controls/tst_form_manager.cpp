@@ -23,8 +23,6 @@
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <QLabel>
-#include <QVBoxLayout>
 #include <memory>
 
 using namespace Kesh;
@@ -307,6 +305,41 @@ private slots:
         QVERIFY(!Form->isMaximized());
     }
 
+    void firstStartSize_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QSize>("expected");
+        QTest::newRow("widget with a layout") << 0 << QSize(400, 300);
+        QTest::newRow("main window with a menu bar") << 1 << QSize(400, 300);
+        QTest::newRow("minimum set by the program") << 2 << QSize(250, 180);
+    }
+
+    // With no size saved yet the form keeps the size it was made with; only a minimum the
+    // program set is taken, never the one a layout gives its window.
+    void firstStartSize()
+    {
+        QFETCH(int, kind);
+        QFETCH(QSize, expected);
+        std::unique_ptr<QWidget> Form;
+        if (kind == 1) {
+            auto* Main = new QMainWindow;
+            Main->menuBar()->addMenu(QStringLiteral("File"));
+            Main->setCentralWidget(new QLineEdit);
+            Form.reset(Main);
+        } else {
+            Form = std::make_unique<QWidget>();
+            (new QHBoxLayout(Form.get()))->addWidget(new QLineEdit);
+            if (kind == 2)
+                Form->setMinimumSize(250, 180);
+        }
+        Form->setObjectName(QStringLiteral("FormFirst"));
+        Form->resize(400, 300);
+        Loaded(Form.get(), FoSaveSize);
+        Form->show();
+        QVERIFY(QTest::qWaitForWindowExposed(Form.get()));
+        QCOMPARE(Form->size(), expected);
+    }
+
     void maximizedFormIsSavedAndRestored()
     {
         QSize Maximized;
@@ -327,32 +360,6 @@ private slots:
         auto Form = MakeForm("FormItems", QSize(200, 150));
         Loaded(Form.get(), FoSavePosition | FoSaveSize);
         QVERIFY(Form->windowState().testFlag(Qt::WindowMaximized));
-    }
-
-    void firstShowKeepsTheSize_data()
-    {
-        QTest::addColumn<QSize>("explicitMinimum");
-        QTest::addColumn<QSize>("expected");
-        QTest::newRow("the layout's minimum") << QSize() << QSize(400, 300);
-        QTest::newRow("a minimum the program set") << QSize(450, 320) << QSize(450, 320);
-    }
-
-    // Without a remembered size, a form laid out by a layout is shown at the size it was
-    // made with, not shrunk to the layout's minimum; a minimum the program set still counts.
-    void firstShowKeepsTheSize()
-    {
-        QFETCH(QSize, explicitMinimum);
-        QFETCH(QSize, expected);
-        auto Form = MakeForm("FormItems", QSize(400, 300));
-        auto* Layout = new QVBoxLayout(Form.get());
-        auto* Box = new QLabel(QStringLiteral("x"));
-        Box->setMinimumSize(120, 80);
-        Layout->addWidget(Box);
-        if (explicitMinimum.isValid())
-            Form->setMinimumSize(explicitMinimum);
-        Loaded(Form.get(), FoSavePosition | FoSaveSize);
-        QVERIFY(ShowAndActivate(Form.get()));
-        QCOMPARE(Form->size(), expected);
     }
 
     void mdiChildIsPlacedInItsArea()
