@@ -1,6 +1,8 @@
 #include "main_window.h"
 #include "demo_window.h"
 #include "sample_db.h"
+#include "customers_form.h"
+#include "items_form.h"
 #include "settings_form.h"
 #include "tools_form.h"
 
@@ -344,6 +346,11 @@ void TMainWindow::RegisterForms()
                      return Tour;
                  });
     // Forms of the lists and sales go here, one RegisterForm line each.
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Customers"), {QStringLiteral("العملاء"), QStringLiteral("&Customers")},
+                 FormOf<TCustomersForm>(), QKeySequence(Qt::CTRL | Qt::Key_1))
+        .Shots = &TListForm::SaveBrowserShots;
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Items"), {QStringLiteral("الأصناف"), QStringLiteral("&Items")},
+                 FormOf<TItemsForm>(), QKeySequence(Qt::CTRL | Qt::Key_2));
 }
 
 void TMainWindow::HideEmptyMenus()
