@@ -1,6 +1,7 @@
 // Kesh for Qt — the Qt Designer plugin: the widget-box entries and their descriptions.
 #include "kesh_designer.h"
 #include "property_sheet.h"
+#include "form_properties.h"
 
 #include "platform/widgets.h"
 
@@ -9,12 +10,31 @@
 #include <QPixmap>
 #include <QWidget>
 #include <QtDesigner/QDesignerFormEditorInterface>
+#include <QtDesigner/QDesignerFormWindowInterface>
+#include <QEvent>
 #include <QtDesigner/QExtensionManager>
 #include <memory>
 
 namespace KeshDesigner {
 
 namespace {
+
+// Designer builds a form's widgets in its form window, and builds them again, through the
+// same plugin, outside any form window for Form > Preview: decided once the widget is
+// placed, at its first polish.
+class TPreviewWatcher : public QObject
+{
+public:
+    bool eventFilter(QObject* Object, QEvent* Event) override
+    {
+        if (Event->type() == QEvent::Polish) {
+            Object->removeEventFilter(this);
+            if (!QDesignerFormWindowInterface::findFormWindow(static_cast<QWidget*>(Object)))
+                Kesh::SetDesigning(Object, false);
+        }
+        return false;
+    }
+};
 
 // The properties a Kesh class adds to its Qt base, in declaration order.
 QList<QMetaProperty> OwnProperties(const QMetaObject* Meta)
@@ -28,6 +48,13 @@ QList<QMetaProperty> OwnProperties(const QMetaObject* Meta)
     return Result;
 }
 } // namespace
+
+void MarkDesigning(QWidget* Widget)
+{
+    static TPreviewWatcher Watcher;
+    Kesh::SetDesigning(Widget);
+    Widget->installEventFilter(&Watcher);
+}
 
 TWidgetInterface::TWidgetInterface(const TComponent& Component, QObject* Parent)
     : QObject(Parent), m_component(Component)
@@ -58,7 +85,7 @@ QWidget* TWidgetInterface::createWidget(QWidget* Parent)
     // Inside Designer the component behaves as designed, not as run; a run-time loader of
     // .ui files (QUiLoader) initializes the plugin without a form editor and gets live ones.
     if (m_core)
-        Kesh::SetDesigning(Widget);
+        MarkDesigning(Widget);
     return Widget;
 }
 
@@ -69,6 +96,7 @@ void TWidgetInterface::initialize(QDesignerFormEditorInterface* Core)
         return;
     m_core = Core;
     RegisterPropertySheet(Core->extensionManager());
+    WatchFormWindows(Core);
 }
 
 QString TWidgetInterface::domXml() const
@@ -91,8 +119,9 @@ QString TWidgetInterface::domXml() const
                        .arg(QString::fromLatin1(P.name()));
         // Captions are the program's own bilingual texts, not for Qt's translation.
         else if (P.metaType() == QMetaType::fromType<QString>() && P.isWritable())
-            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
-                         .arg(QString::fromLatin1(P.name()));
+            // Texts of several lines (the grid's columns) get Designer's text editor.
+            PlainStrings += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"%2\"/>\n")
+                         .arg(QString::fromLatin1(P.name()), QByteArray(P.name()).endsWith("Text") ? QStringLiteral("multiline") : QStringLiteral("singleline"));
     }
     Xml += QStringLiteral(" </widget>\n <customwidgets>\n  <customwidget>\n   <class>%1</class>\n").arg(Class);
     if (!PlainStrings.isEmpty())

@@ -28,6 +28,11 @@ struct TComponent
 /// Every component the plugin offers, in widget-box order.
 const QList<TComponent>& Components();
 
+/// Marks a component Designer created as being designed, until it turns out to be placed
+/// outside any form window (Form > Preview builds the form there): then it runs as built
+/// by a program.
+void MarkDesigning(QWidget* Widget);
+
 /// The widget-box entry of one component.
 class TWidgetInterface : public QObject, public QDesignerCustomWidgetInterface
 {

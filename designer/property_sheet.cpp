@@ -1,9 +1,10 @@
 // Kesh for Qt — Designer's property sheet for the library's components.
 #include "property_sheet.h"
-#include "font_task_menu.h"
+#include "task_menu.h"
 
 #include "colors.h"
 #include "ui_forms.h"
+#include "platform/exceptions.h"
 
 #include <QColor>
 #include <climits>
@@ -107,7 +108,14 @@ void TPropertySheet::setProperty(int Index, const QVariant& Value)
     // Designer hands a value read from a .ui file in wrappers of its own (a string with its
     // translation data): its sheet unwraps them and the library's conversions do the rest.
     const bool Plain = Value.metaType() == ToShown(Kind, m_base->property(Index)).metaType();
-    m_base->setProperty(Index, Kind == TShownAs::Itself || !Plain ? Value : FromShown(Kind, Value, m_base->property(Index)));
+    try {
+        m_base->setProperty(Index, Kind == TShownAs::Itself || !Plain ? Value : FromShown(Kind, Value, m_base->property(Index)));
+    } catch (const Kesh::Exception& E) {
+        // A value the component refuses (columns text that does not read) keeps the old
+        // one; Designer itself must not go down with it.
+        qWarning("Kesh designer: %s", qPrintable(E.Message.simplified()));
+        return;
+    }
     const QString Name = m_base->propertyName(Index);
     if (Name == QLatin1String("DataField") || Name == QLatin1String("_DataField"))
         FollowField(m_object->property(Name.toLatin1().constData()).toString());
@@ -186,7 +194,7 @@ void RegisterPropertySheet(QExtensionManager* Manager)
         return;
     Done << Manager;
     Manager->registerExtensions(new TSheetFactory(Manager), Q_TYPEID(QDesignerPropertySheetExtension));
-    RegisterFontTaskMenu(Manager);
+    RegisterTaskMenu(Manager);
 }
 
 } // namespace KeshDesigner

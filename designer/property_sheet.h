@@ -66,7 +66,7 @@ private:
     QDesignerPropertySheetExtension* m_base;
 };
 
-/// Puts the sheet in front of Designer's own for every Kesh component, and the font menu
+/// Puts the sheet in front of Designer's own for every Kesh component, and the context menu
 /// beside it (once per manager).
 void RegisterPropertySheet(QExtensionManager* Manager);
 

@@ -276,7 +276,7 @@ QString TQxAdoBrowser::QuoteText(const QString& Text) const
     if (m_connection && m_connection->Connected()) {
         const QSqlDatabase Db = m_connection->Database();
         if (const QSqlDriver* Driver = Db.driver()) {
-            QSqlField Field(QString(), QMetaType(QMetaType::QString));
+            QSqlField Field{QString(), QMetaType(QMetaType::QString)};
             Field.setValue(Clean);
             return Driver->formatValue(Field);
         }

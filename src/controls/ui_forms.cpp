@@ -100,9 +100,14 @@ void ConfigureFormManager(QObject* Root)
 {
     const QByteArray Prefix(QxFormPropertyPrefix);
     QList<QByteArray> Names;
-    for (const QByteArray& Name : Root->dynamicPropertyNames())
-        if (Name.startsWith(Prefix))
+    // Designer gives every form these properties; those left empty configure nothing.
+    for (const QByteArray& Name : Root->dynamicPropertyNames()) {
+        const QVariant Value = Root->property(Name);
+        const bool Empty = (Value.metaType() == QMetaType::fromType<QString>() && Value.toString().isEmpty())
+                        || (Value.metaType() == QMetaType::fromType<QStringList>() && Value.toStringList().isEmpty());
+        if (Name.startsWith(Prefix) && !Empty)
             Names << Name;
+    }
     if (Names.isEmpty())
         return;
     auto* Manager = Root->findChild<TQxForm*>(QString(), Qt::FindDirectChildrenOnly);

@@ -11,6 +11,8 @@
 //   TQxForm (created when the form has none) receives them as its property P, e.g.
 //   "QxForm_Caption_a", "QxForm_Options" ("FoAutoCenter|FoSaveSize"), "QxForm_BiStrings".
 //   "QxForm_Name" names a manager created this way ("QxForm1" otherwise).
+//   One left empty (a text or a list) is as if absent: a form whose are all empty gets no
+//   manager.
 // - Values: a TFont is stored as the text of FontToStr ("Tahoma,8,$00800000,178,B"), a
 //   TColor as a colour, a TxBiStrings list as lines "ID|Arabic|English"; the conversions
 //   below are registered with Qt's meta-type system, so QObject::setProperty accepts them.

@@ -45,6 +45,7 @@ class KESH_EXPORT TQxCustomDBGrid : public QTableView, public TLoadable
     Q_PROPERTY(QString ImeName READ GetImeName WRITE SetImeName)
     Q_PROPERTY(Kesh::TDataSource* DataSource READ GetDataSource WRITE SetDataSource)
     Q_PROPERTY(Kesh::TQxDBGridColumns* Columns READ GetColumns)
+    Q_PROPERTY(QString _ColumnsText READ GetColumnsText WRITE SetColumnsText)
     Q_PROPERTY(Kesh::TBiDiMode BiDiMode READ BiDiMode WRITE SetBiDiMode)
 
 public:
@@ -94,6 +95,9 @@ public:
     TDataSource* GetDataSource() const;
     void SetDataSource(TDataSource* Value);
     TQxDBGridColumns* GetColumns() const;
+    /// The columns in their text form (TQxDBGridColumns::GetText), as forms store them.
+    QString GetColumnsText() const;
+    void SetColumnsText(const QString& Value);
     TBiDiMode BiDiMode() const { return BiDiModeOf(this); }
     /// Sets the grid's own direction; titles, field names, fonts and alignments follow.
     void SetBiDiMode(TBiDiMode Value);

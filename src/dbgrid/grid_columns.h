@@ -278,6 +278,12 @@ public:
     void LoadFromStream(QDataStream& Stream);
     void SaveToFile(const QString& FileName) const;
     void LoadFromFile(const QString& FileName);
+    /// The columns as JSON, one object per column with the members of the stream format
+    /// ("FieldName", "Width", "Title._Caption_a" …); empty while the state is csDefault.
+    QString GetText() const;
+    /// Replaces the columns by such text (empty text: csDefault); EReadError (nothing
+    /// changed) on text that is not JSON of that shape or names an unknown member.
+    void SetText(const QString& Text);
 
 Q_SIGNALS:
     /// Columns were added, removed, moved or changed (Layout: their width or order).

@@ -1,6 +1,7 @@
 #include "db_test_helper.h"
 #include "platform/exceptions.h"
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -51,8 +52,51 @@ std::unique_ptr<TTestDatabase> TTestDatabase::Open(const QString& Driver, QStrin
     return Db;
 }
 
+std::unique_ptr<TTestDatabase> TTestDatabase::OpenPrivate(const QString& Driver, QString& Reason)
+{
+    std::unique_ptr<TTestDatabase> Db = Open(Driver, Reason);
+    if (!Db || !Db->IsPostgres())
+        return Db;
+    const QString Name = QStringLiteral("kesh_db%1_%2").arg(QCoreApplication::applicationPid()).arg(++TableCounter);
+    if (!Db->Exec(QStringLiteral("CREATE DATABASE ") + Name)) {
+        Reason = QStringLiteral("cannot create the database ") + Name;
+        return nullptr;
+    }
+    QString Private = Db->m_connectionString;
+    static const QRegularExpression DatabaseKey(QStringLiteral("(^|;)\\s*Database\\s*=[^;]*"), QRegularExpression::CaseInsensitiveOption);
+    if (Private.contains(DatabaseKey))
+        Private.replace(DatabaseKey, QStringLiteral("\\1Database=") + Name);
+    else
+        Private += QStringLiteral(";Database=") + Name;
+    auto Connection = std::make_unique<Kesh::TADOConnection>();
+    Connection->SetConnectionString(Private);
+    try {
+        Connection->Open();
+    } catch (const Kesh::Exception& E) {
+        Db->Exec(QStringLiteral("DROP DATABASE ") + Name);
+        Reason = QStringLiteral("cannot connect to %1: %2").arg(Name, E.Message);
+        return nullptr;
+    }
+    // The server's connection stays open to drop the private database at the end.
+    Db->m_admin = std::move(Db->m_connection);
+    Db->m_connection = std::move(Connection);
+    Db->m_connectionString = Private;
+    Db->m_privateDatabase = Name;
+    return Db;
+}
+
 TTestDatabase::~TTestDatabase()
 {
+    if (!m_privateDatabase.isEmpty()) {
+        m_second.reset();
+        m_connection.reset();
+        try {
+            m_admin->Execute(QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(m_privateDatabase));
+        } catch (const Kesh::Exception& E) {
+            qWarning("Cannot drop %s: %s", qPrintable(m_privateDatabase), qPrintable(E.Message));
+        }
+        return;
+    }
     if (m_second)
         m_second->Close();
     if (m_connection && m_connection->Connected()) {

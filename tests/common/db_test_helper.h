@@ -17,6 +17,9 @@ public:
     /// Opens "sqlite" (a file in a temporary directory) or "postgres" (KESH_TEST_PG).
     /// Returns nullptr with Reason set when it cannot.
     static std::unique_ptr<TTestDatabase> Open(const QString& Driver, QString& Reason);
+    /// Like Open, but on PostgreSQL in a database of its own, made now and dropped at the
+    /// end: for tests whose tables have fixed names (the sample database).
+    static std::unique_ptr<TTestDatabase> OpenPrivate(const QString& Driver, QString& Reason);
     ~TTestDatabase();
 
     QString Driver() const { return m_driver; }
@@ -42,6 +45,8 @@ private:
     std::unique_ptr<Kesh::TADOConnection> m_connection;
     std::unique_ptr<Kesh::TADOConnection> m_second;
     QStringList m_tables;
+    QString m_privateDatabase;  // dropped through m_admin, on KESH_TEST_PG's database, at the end
+    std::unique_ptr<Kesh::TADOConnection> m_admin;
 };
 
 /// Adds the data column "driver" with the rows "sqlite" and "postgres".
@@ -52,10 +57,13 @@ bool PostgresRequired();
 } // namespace KeshTest
 
 /// Opens the database of the current "driver" row into Var, or skips / fails the test.
-#define KESH_OPEN_TEST_DB(Var)                                                            \
+#define KESH_OPEN_TEST_DB(Var) KESH_OPEN_TEST_DB_WITH(Var, Open)
+/// The same with a PostgreSQL database of the test's own (TTestDatabase::OpenPrivate).
+#define KESH_OPEN_PRIVATE_TEST_DB(Var) KESH_OPEN_TEST_DB_WITH(Var, OpenPrivate)
+#define KESH_OPEN_TEST_DB_WITH(Var, How)                                                  \
     QFETCH(QString, driver);                                                              \
     QString Var##Reason;                                                                  \
-    std::unique_ptr<KeshTest::TTestDatabase> Var = KeshTest::TTestDatabase::Open(driver, Var##Reason); \
+    std::unique_ptr<KeshTest::TTestDatabase> Var = KeshTest::TTestDatabase::How(driver, Var##Reason); \
     if (!Var) {                                                                           \
         if (driver == QLatin1String("postgres") && !KeshTest::PostgresRequired()          \
             && qEnvironmentVariableIsEmpty("KESH_TEST_PG"))                               \

@@ -237,6 +237,38 @@ private Q_SLOTS:
         QCOMPARE(Db->Scalar(QStringLiteral("SELECT Name FROM %1 WHERE Id = 2").arg(Table)).toString(), QStringLiteral("حبر"));
     }
 
+    void gridColumnsFromTheForm_data() { KeshTest::AddDriverRows(); }
+    void gridColumnsFromTheForm()
+    {
+        KESH_OPEN_TEST_DB(Db);
+        const QString Table = Db->NewTable(QStringLiteral("Id INTEGER PRIMARY KEY, Name VARCHAR(30), Note VARCHAR(10)"));
+        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 'Pen', 'x')").arg(Table));
+        TCard Card;
+        auto* Set = new TADODataSet(&Card.Form);
+        Set->SetConnection(Db->Connection());
+        Set->SetCommandText(QStringLiteral("SELECT * FROM %1").arg(Table));
+        Card.Source->SetDataSet(Set);
+        Kesh::EndLoading(&Card.Form);
+        Set->Open();
+        // The form's two columns, not one per field, bound to the fields they name.
+        TQxDBGridColumns* Columns = Card.Ui.grdCustomers->GetColumns();
+        QCOMPARE(Columns->State(), csCustomized);
+        QCOMPARE(Columns->Count(), 2);
+        QCOMPARE(Columns->Items(1)->Field(), Set->FieldByName(QStringLiteral("Name")));
+        QCOMPARE(Columns->Items(0)->GetWidth(), 40);
+        QVERIFY(Columns->Items(1)->GetReadOnly());
+        QCOMPARE(Columns->Items(1)->GetPickList(), (QStringList{"قلم", "Pen"}));
+        QCOMPARE(Columns->Items(1)->GetBiDiField()->GetKeyboard(), kxArabic);
+        QCOMPARE(Columns->Items(1)->GetTitle()->GetColor(), clYellow);
+        Card.Manager()->SetLang(bdRightToLeft);
+        QCOMPARE(Columns->Items(0)->GetTitle()->GetCaption(), QStringLiteral("الرقم"));
+        QCOMPARE(Columns->Items(0)->GetAlignment(), Qt::AlignRight);
+        Card.Manager()->SetLang(bdLeftToRight);
+        QCOMPARE(Columns->Items(0)->GetTitle()->GetCaption(), QStringLiteral("No."));
+        QCOMPARE(Columns->Items(0)->GetAlignment(), Qt::AlignLeft);
+        QCOMPARE(Columns->Items(1)->GetTitle()->GetCaption(), QStringLiteral("Name"));
+    }
+
     void badNamesRefused_data()
     {
         QTest::addColumn<QString>("object");
@@ -271,6 +303,38 @@ private Q_SLOTS:
         const QString Text = EndLoadingError(&Card.Form);
         QVERIFY2(Text.contains(error), qPrintable(Text));
         QVERIFY2(Text.startsWith(QLatin1String("EndLoading")), qPrintable(Text));
+    }
+
+    void emptyFormPropertiesIgnored_data()
+    {
+        QTest::addColumn<QVariantMap>("values");
+        QTest::addColumn<QString>("title"); // "-": no manager made
+        const QVariantMap AllEmpty{{"QxForm_Name", QString()}, {"QxForm_Caption_a", QString()}, {"QxForm_Caption_e", QString()},
+                                   {"QxForm_Options", QString()}, {"QxForm_BiStrings", QStringList()}};
+        QTest::newRow("all empty: no manager") << AllEmpty << "-";
+        QVariantMap Caption = AllEmpty;
+        Caption["QxForm_Caption_e"] = QStringLiteral("Orders");
+        QTest::newRow("a caption: a manager") << Caption << "Orders";
+        QVariantMap Named = AllEmpty;
+        Named["QxForm_Name"] = QStringLiteral("fmOrders");
+        QTest::newRow("a name only: a manager") << Named << "";
+    }
+    void emptyFormPropertiesIgnored()
+    {
+        QFETCH(QVariantMap, values);
+        QFETCH(QString, title);
+        QWidget Form;
+        Form.setObjectName(QStringLiteral("Orders"));
+        for (auto It = values.begin(); It != values.end(); ++It)
+            Form.setProperty(It.key().toLatin1(), It.value());
+        QCOMPARE(EndLoadingError(&Form), QString());
+        auto* M = Form.findChild<TQxForm*>();
+        QCOMPARE(M != nullptr, title != QLatin1String("-"));
+        if (!M)
+            return;
+        QCOMPARE(M->objectName(), values.value("QxForm_Name").toString().isEmpty() ? QStringLiteral("QxForm1") : values.value("QxForm_Name").toString());
+        M->SetLang(bdLeftToRight);
+        QCOMPARE(Form.windowTitle(), title);
     }
 
     void valuesFromCode()

@@ -7,8 +7,9 @@
 #include "Kesh_AdoDB.h"
 #include "Kesh_dbGrid.h"
 #include "dialog_helper.h"
-#include "font_task_menu.h"
+#include "task_menu.h"
 #include "property_sheet.h"
+#include "form_properties.h"
 
 #include <QBuffer>
 #include <QColorDialog>
@@ -24,6 +25,7 @@
 #include <QtDesigner/QExtensionManager>
 #include <QtDesigner/QFormBuilder>
 #include <QtDesigner/QDesignerPropertySheetExtension>
+#include <QtDesigner/QDesignerDynamicPropertySheetExtension>
 #include <QtTest>
 #include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 
@@ -72,6 +74,56 @@ public:
     QObject* createExtension(QObject* Object, const QString& Iid, QObject* Parent) const override
     {
         return Iid == QLatin1String(Q_TYPEID(QDesignerPropertySheetExtension)) ? new TPlainSheet(Object, Parent) : nullptr;
+    }
+};
+
+// Stands for Designer's sheet of a form: its own properties and the dynamic ones added
+// through it (kept as the object's dynamic properties, after the static ones).
+class TFormSheet : public TPlainSheet, public QDesignerDynamicPropertySheetExtension
+{
+    Q_OBJECT
+    Q_INTERFACES(QDesignerDynamicPropertySheetExtension)
+public:
+    TFormSheet(QObject* Object, QObject* Parent) : TPlainSheet(Object, Parent), m_form(Object) {}
+    int count() const override { return Static() + int(m_form->dynamicPropertyNames().size()); }
+    int indexOf(const QString& Name) const override
+    {
+        const int I = TPlainSheet::indexOf(Name);
+        const int D = int(m_form->dynamicPropertyNames().indexOf(Name.toLatin1()));
+        return I >= 0 ? I : D >= 0 ? Static() + D : -1;
+    }
+    QString propertyName(int I) const override
+    {
+        return I < Static() ? TPlainSheet::propertyName(I) : QString::fromLatin1(m_form->dynamicPropertyNames().value(I - Static()));
+    }
+    QVariant property(int I) const override { return I < Static() ? TPlainSheet::property(I) : m_form->property(propertyName(I).toLatin1()); }
+    bool dynamicPropertiesAllowed() const override { return true; }
+    int addDynamicProperty(const QString& Name, const QVariant& Value) override
+    {
+        if (!canAddDynamicProperty(Name))
+            return -1;
+        m_form->setProperty(Name.toLatin1(), Value);
+        return indexOf(Name);
+    }
+    bool removeDynamicProperty(int) override { return false; }
+    bool isDynamicProperty(int I) const override { return I >= Static(); }
+    bool canAddDynamicProperty(const QString& Name) const override { return indexOf(Name) < 0; }
+
+private:
+    int Static() const { return TPlainSheet::count(); }
+    QObject* m_form;
+};
+
+class TFormSheetFactory : public QExtensionFactory
+{
+public:
+    using QExtensionFactory::QExtensionFactory;
+    QObject* createExtension(QObject* Object, const QString& Iid, QObject* Parent) const override
+    {
+        if (Iid != QLatin1String(Q_TYPEID(QDesignerPropertySheetExtension))
+            && Iid != QLatin1String(Q_TYPEID(QDesignerDynamicPropertySheetExtension)))
+            return nullptr;
+        return new TFormSheet(Object, Parent);
     }
 };
 
@@ -449,7 +501,7 @@ private Q_SLOTS:
         QTest::newRow("label") << "Kesh::TQxLabel" << QStringList{"Font", "_Font_a", "_Font_e"};
         QTest::newRow("button") << "Kesh::TQxBitBtn" << QStringList{"_Font_a", "_Font_e"};
         QTest::newRow("radio group") << "Kesh::TQxRadioGroup" << QStringList{"Font", "_Font_a", "_Font_e"};
-        QTest::newRow("grid") << "Kesh::TQxdbGrid" << QStringList{"Font", "TitleFont"};
+        QTest::newRow("grid") << "Kesh::TQxdbGrid" << QStringList{"_ColumnsText", "Font", "TitleFont"};
         QTest::newRow("edit: none") << "Kesh::TQxEdit" << QStringList{};
     }
     void fontMenu()
@@ -529,6 +581,42 @@ private Q_SLOTS:
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Kesh designer: line"));
         const QVariant Result = FromShown(TShownAs::ItemLines, lines, QVariant::fromValue(Current));
         QCOMPARE(ToShown(TShownAs::ItemLines, Result).toStringList(), stored.isEmpty() ? BiStringsToLines(Current) : stored);
+    }
+
+    void formPropertiesAdded_data()
+    {
+        QTest::addColumn<QString>("present"); // a property the form has before, with a value
+        QTest::addColumn<int>("added");
+        QTest::newRow("new form") << "" << 5;
+        QTest::newRow("form with its caption") << "QxForm_Caption_a" << 4;
+        QTest::newRow("form with its message list") << "QxForm_BiStrings" << 4;
+        QTest::newRow("another dynamic property") << "QxForm_Language" << 5;
+    }
+    void formPropertiesAdded()
+    {
+        QFETCH(QString, present);
+        QFETCH(int, added);
+        QExtensionManager Manager;
+        Manager.registerExtensions(new TFormSheetFactory(&Manager), Q_TYPEID(QDesignerPropertySheetExtension));
+        Manager.registerExtensions(new TFormSheetFactory(&Manager), Q_TYPEID(QDesignerDynamicPropertySheetExtension));
+        QWidget Form;
+        const QVariant Kept = present.endsWith(QLatin1String("BiStrings")) ? QVariant(QStringList{"1|أ|A"}) : QVariant(QStringLiteral("x"));
+        if (!present.isEmpty())
+            Form.setProperty(present.toLatin1(), Kept);
+        QCOMPARE(AddFormProperties(&Manager, &Form), added);
+        QCOMPARE(AddFormProperties(&Manager, &Form), 0); // opened again: nothing twice
+        for (const auto& [Name, Empty] : FormProperties()) {
+            const QVariant Value = Form.property(Name.toLatin1());
+            QVERIFY2(Value.isValid(), qPrintable(Name));
+            QCOMPARE(Value, Name == present ? Kept : Empty);
+        }
+        if (!present.isEmpty())
+            QCOMPARE(Form.property(present.toLatin1()), Kept);
+        // Only the form manager's own properties, under the names the form reads.
+        QStringList Names;
+        for (const auto& P : FormProperties())
+            Names << P.first;
+        QCOMPARE(Names, (QStringList{"QxForm_Name", "QxForm_Caption_a", "QxForm_Caption_e", "QxForm_Options", "QxForm_BiStrings"}));
     }
 
     void uicCallsNoMissingSetter()

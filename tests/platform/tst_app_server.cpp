@@ -184,6 +184,9 @@ class TestAppServer : public QObject
         QCOMPARE(ScalarOf(Db, QStringLiteral("SELECT Qty FROM %1 WHERE Id = 2"), T).toInt(), 21);
         QCOMPARE(ScalarOf(Db, QStringLiteral("SELECT Name FROM %1 WHERE Id = 101"), T).toString(), QStringLiteral("جديد"));
         QCOMPARE(ScalarOf(Db, QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Id = 5"), T).toInt(), 0);
+        Cds.Close();
+        Cds.Open();
+        QCOMPARE(Cds.RecordCount(), 100);
     }
 
 private Q_SLOTS:
@@ -197,7 +200,7 @@ private Q_SLOTS:
         Local.SetModule(&Module);
         QCOMPARE(Local.GetProviderNames(), (QStringList{"Items", "Hidden"}));
         EditThrough(&Local, *Db, T);
-        QCOMPARE(Module.Packets.load(), 10);  // 100 rows in packets of 10
+        QCOMPARE(Module.Packets.load(), 20);  // 100 rows in packets of 10, twice
     }
 
     void httpClient_data() { KeshTest::AddDriverRows(); }
@@ -217,6 +220,85 @@ private Q_SLOTS:
         Hidden.SetProviderName(QStringLiteral("Hidden"));
         QVERIFY_THROWS_EXCEPTION(EDatabaseError, Hidden.Open());
         QCOMPARE(Web.LastStatus(), 403);
+    }
+
+    // After ApplyUpdates an inserted row holds what the server made of it, as the
+    // provider's options ask: nothing, the values its handlers set and the key the database
+    // assigned, or the row read back (with the column default too).
+    void serverValuesComeBack_data()
+    {
+        QTest::addColumn<QString>("driver");
+        QTest::addColumn<int>("options");
+        QTest::addColumn<bool>("idAssigned");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariant>("qty");
+        for (const char* Driver : {"sqlite", "postgres"}) {
+            const QString D = QString::fromLatin1(Driver);
+            QTest::addRow("%s: none", Driver) << D << 0 << false << "abc" << QVariant();
+            QTest::addRow("%s: handlers' changes", Driver) << D << int(poPropogateChanges) << true << "ABC" << QVariant();
+            QTest::addRow("%s: read back", Driver) << D << int(poAutoRefresh) << true << "ABC" << QVariant(7);
+            QTest::addRow("%s: both", Driver) << D << int(poAutoRefresh | poPropogateChanges) << true << "ABC" << QVariant(7);
+        }
+    }
+    void serverValuesComeBack()
+    {
+        QFETCH(int, options);
+        QFETCH(bool, idAssigned);
+        QFETCH(QString, name);
+        QFETCH(QVariant, qty);
+        KESH_OPEN_TEST_DB(Db);
+        const QString T = Db->NewTable(QStringLiteral("Id %AUTOKEY%, Name VARCHAR(40), Qty INTEGER DEFAULT 7"));
+        Db->Exec(QStringLiteral("INSERT INTO %1 (Name, Qty) VALUES ('old', 1)").arg(T));
+        TRemoteDataModule Module;
+        auto* Conn = new TADOConnection(&Module);
+        Conn->SetConnectionString(Db->ConnectionString());
+        auto* Q = new TADOQuery(&Module);
+        Q->SetConnection(Conn);
+        Q->SetSQL({QStringLiteral("SELECT Id, Name, Qty FROM %1").arg(T)});
+        auto* P = new TDataSetProvider(&Module);
+        P->setObjectName(QStringLiteral("Items"));
+        P->SetDataSet(Q);
+        P->SetOptions(TProviderOptions(options));
+        P->BeforeUpdateRecord = [](QObject*, TDataSet*, TDeltaRecord& R, TUpdateKind Kind, bool&) {
+            if (Kind == ukInsert)
+                R.SetNewValue(QStringLiteral("Name"), R.NewValue(QStringLiteral("Name")).toString().toUpper());
+        };
+        TLocalConnection Local;
+        Local.SetModule(&Module);
+        TClientDataSet Cds;
+        Cds.SetRemoteServer(&Local);
+        Cds.SetProviderName(QStringLiteral("Items"));
+        Cds.Open();
+        for (const char* New : {"abc", "xyz"}) {
+            Cds.Append();
+            Cds.FieldByName(QStringLiteral("Name"))->SetAsString(QLatin1String(New));
+            Cds.Post();
+        }
+        Cds.First();
+        QCOMPARE(Cds.ApplyUpdates(0), 0);
+        QCOMPARE(Cds.ChangeCount(), 0);
+        QCOMPARE(Cds.RecordCount(), 3);
+        QCOMPARE(Cds.RecNo(), 1);  // the cursor stays where it was
+        QVERIFY(Cds.Locate(QStringLiteral("Name"), name));
+        QCOMPARE(Cds.FieldByName(QStringLiteral("Id"))->IsNull(), !idAssigned);
+        if (idAssigned)
+            QCOMPARE(Db->Scalar(QStringLiteral("SELECT Name FROM %1 WHERE Id = %2").arg(T).arg(Cds.FieldByName(QStringLiteral("Id"))->AsInteger())).toString(), QStringLiteral("ABC"));
+        QCOMPARE(Cds.FieldByName(QStringLiteral("Qty"))->AsVariant().isNull(), qty.isNull());
+        if (!qty.isNull())
+            QCOMPARE(Cds.FieldByName(QStringLiteral("Qty"))->AsInteger(), qty.toInt());
+        QCOMPARE(Cds.ChangeCount(), 0);  // taking the server's values logs nothing
+
+        // Reopened, the rows are read again; a row another user changed is read again alone.
+        Cds.Close();
+        Cds.Open();
+        QCOMPARE(Cds.RecordCount(), 3);
+        QVERIFY(Cds.Locate(QStringLiteral("Name"), QStringLiteral("old")));
+        Db->Exec(QStringLiteral("UPDATE %1 SET Qty = 99 WHERE Name = 'old'").arg(T));
+        Cds.RefreshRecord();
+        QCOMPARE(Cds.FieldByName(QStringLiteral("Qty"))->AsInteger(), 99);
+        QCOMPARE(Cds.ChangeCount(), 0);
+        Db->Exec(QStringLiteral("DELETE FROM %1 WHERE Name = 'old'").arg(T));
+        QVERIFY_THROWS_EXCEPTION(EDatabaseError, Cds.RefreshRecord());
     }
 
     // Another user changed row 1 after the client read it; each reconcile action.

@@ -455,6 +455,38 @@ private Q_SLOTS:
         QCOMPARE(Spy.count(), 2);
         QCOMPARE(double(Totals.Value(0)), 0.0);
     }
+
+    void changedHandlerReadsTheRow_data()
+    {
+        QTest::addColumn<bool>("append");
+        QTest::newRow("append") << true;
+        QTest::newRow("edit") << false;
+    }
+    // A handler of Changed, which runs inside Post, reads the row just written.
+    void changedHandlerReadsTheRow()
+    {
+        QFETCH(bool, append);
+        TClientDataSet Ds;
+        Ds.FieldDefs().Add(QStringLiteral("Qty"), ftInteger);
+        Ds.CreateDataSet();
+        Ds.Append();
+        Ds.FieldByName(QStringLiteral("Qty"))->SetAsInteger(2);
+        Ds.Post();
+        TDataSetTotals Totals;
+        Totals.SetDataSet(&Ds);
+        Totals.SetFieldNames({QStringLiteral("Qty")});
+        QList<int> Seen;
+        connect(&Totals, &TDataSetTotals::Changed, &Totals,
+                [&] { Seen << Ds.FieldByName(QStringLiteral("Qty"))->AsInteger(); });
+        if (append)
+            Ds.Append();
+        else
+            Ds.Edit();
+        Ds.FieldByName(QStringLiteral("Qty"))->SetAsInteger(7);
+        Ds.Post();
+        QCOMPARE(Seen, QList<int>{7});
+        QCOMPARE(double(Totals.Value(0)), append ? 9.0 : 7.0);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestDataSetTotals)

@@ -305,6 +305,10 @@ void TestFields::validChars()
     QVERIFY(Floats->Fields()[0]->IsValidChar(QLatin1Char('.')));
     QVERIFY(!Floats->Fields()[0]->IsValidChar(QLatin1Char('x')));
     QVERIFY(Strings->Fields()[0]->IsValidChar(QLatin1Char('x')));
+    // A number read from text by the program (a code shown by its name) takes letters.
+    Ints->Fields()[0]->OnSetText = [](TField* Sender, const QString& Text) { Sender->SetAsInteger(Text.size()); };
+    QVERIFY(Ints->Fields()[0]->IsValidChar(QLatin1Char('x')));
+    QVERIFY(Ints->Fields()[0]->IsValidChar(QChar(0x0628)));
 }
 
 void TestFields::focusControl()

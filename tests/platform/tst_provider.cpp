@@ -4,6 +4,7 @@
 #include "platform/data.h"
 #include "platform/remote/provider.h"
 #include <QJsonDocument>
+#include <QSqlQuery>
 #include <QtTest>
 
 using namespace Kesh;
@@ -122,6 +123,127 @@ private Q_SLOTS:
         QVERIFY2(DataPacket::DecodePacket(DataPacket::EncodePacket(All), Back, Error), qPrintable(Error));
         QCOMPARE(Back.Rows, All.Rows);
         QCOMPARE(Back.KeyFields, All.KeyFields);
+    }
+
+    // Every page of every command, joined, is the full read; the full read holds the
+    // command's rows in its order (the order column's values as a plain query gives them).
+    void pagesEqualFullRead_data()
+    {
+        QTest::addColumn<QString>("driver");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("orderColumn");
+        QTest::addColumn<bool>("keyset");
+        const QList<std::tuple<const char*, QString, QString, bool>> Rows = {
+            {"no order: the key's", QStringLiteral("SELECT * FROM %1"), QString(), true},
+            {"ties and NULLs ascending", QStringLiteral("SELECT * FROM %1 ORDER BY Grp"), QStringLiteral("Grp"), true},
+            {"descending, then text with NULLs", QStringLiteral("SELECT * FROM %1 ORDER BY Grp DESC, Name"), QStringLiteral("Grp"), true},
+            {"NULLS FIRST said, by position", QStringLiteral("SELECT Id, Name, Grp FROM %1 ORDER BY 2 DESC NULLS FIRST"), QStringLiteral("Name"), true},
+            {"qualified name, parameter", QStringLiteral("SELECT * FROM %1 t WHERE Id > :Low ORDER BY t.Grp"), QStringLiteral("Grp"), true},
+            {"keywords in a literal and a comment", QStringLiteral("SELECT Id, Name, 'ORDER BY (' AS Tag FROM %1 /* ORDER BY ) */ ORDER BY Name DESC"), QStringLiteral("Name"), true},
+            {"expression order: offset", QStringLiteral("SELECT Id, Grp FROM %1 ORDER BY Id * -1"), QStringLiteral("Id"), false},
+            {"column not in the result: offset", QStringLiteral("SELECT Name FROM %1 ORDER BY Id"), QStringLiteral("Name"), false},
+        };
+        for (const char* Driver : {"sqlite", "postgres"})
+            for (const auto& [Name, Command, Order, Keyset] : Rows)
+                QTest::addRow("%s: %s", Driver, Name) << QString::fromLatin1(Driver) << Command << Order << Keyset;
+    }
+    void pagesEqualFullRead()
+    {
+        KESH_OPEN_TEST_DB(Db);
+        QFETCH(QString, command);
+        QFETCH(QString, orderColumn);
+        QFETCH(bool, keyset);
+        const QString T = Db->NewTable(QStringLiteral("Id INTEGER PRIMARY KEY, Name VARCHAR(40), Grp INTEGER"));
+        Db->Connection()->BeginTrans();
+        for (int i = 1; i <= 23; ++i)  // Grp: ties of three and NULLs; Name: ties, NULLs, Arabic
+            Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (%2, %3, %4)").arg(T).arg(i)
+                         .arg(i % 4 == 0 ? QStringLiteral("NULL") : QStringLiteral("'%1'").arg(i % 3 ? QStringLiteral("س%1").arg(i % 5) : QStringLiteral("b")))
+                         .arg(i % 5 == 0 ? QStringLiteral("NULL") : QString::number(i / 3)));
+        Db->Connection()->CommitTrans();
+        TRemoteDataModule Module;
+        auto* Query = new TADOQuery(&Module);
+        Query->SetConnection(Db->Connection());
+        Query->SetSQL({command.arg(T)});
+        QList<TPacketParam> Params;
+        if (Query->Parameters()->Count())
+            Params << TPacketParam{QStringLiteral("Low"), ftInteger, 2};
+        auto* Provider = new TDataSetProvider(&Module);
+        Provider->SetDataSet(Query);
+        QJsonValue Owner;
+        const TDataPacket Full = Provider->GetRecords(-1, QString(), Params, Owner);
+        QCOMPARE(Full.Rows.size(), Params.isEmpty() ? 23 : 21);
+        for (int PageSize : {1, 4, 7, 21, 50}) {
+            QList<TRecordValues> Joined;
+            QString Token;
+            for (int Pages = 0; Pages < 30; ++Pages) {
+                const TDataPacket P = Provider->GetRecords(PageSize, Token, Params, Owner);
+                QVERIFY(P.Rows.size() <= PageSize);
+                Joined += P.Rows;
+                Token = P.NextToken;
+                if (Token.isEmpty())
+                    break;
+                QCOMPARE(Token.startsWith(QLatin1Char('k')), keyset);
+            }
+            QVERIFY(Token.isEmpty());
+            QCOMPARE(Joined, Full.Rows);
+        }
+        // The command's own order holds in the full read.
+        const int Column = Full.Fields.IndexOf(orderColumn);
+        if (Column < 0)
+            return;
+        QSqlQuery Plain(Db->Connection()->Database());
+        QVERIFY(Plain.prepare(command.arg(T)));
+        if (!Params.isEmpty())
+            Plain.bindValue(QStringLiteral(":Low"), 2);
+        QVERIFY(Plain.exec());
+        QVariantList Expected, Got;
+        while (Plain.next())
+            Expected << (Plain.isNull(Column) ? QVariant() : QVariant(Plain.value(Column).toString()));
+        for (const TRecordValues& R : Full.Rows)
+            Got << (R[Column].isNull() ? QVariant() : QVariant(R[Column].toString()));
+        if (orderColumn == QLatin1String("Name") && !keyset) {  // no order of its own: the same rows
+            std::sort(Expected.begin(), Expected.end(), [](auto& A, auto& B) { return A.toString() < B.toString(); });
+            std::sort(Got.begin(), Got.end(), [](auto& A, auto& B) { return A.toString() < B.toString(); });
+        }
+        QCOMPARE(Got, Expected);
+    }
+
+    // A token the server did not write is refused as a bad request, before any SQL runs.
+    void badTokens_data()
+    {
+        QTest::addColumn<QString>("driver");
+        QTest::addColumn<QString>("token");
+        auto Keyset = [](const QByteArray& Json) {
+            return QStringLiteral("k") + QString::fromLatin1(Json.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
+        };
+        const QList<std::pair<const char*, QString>> Rows = {
+            {"negative offset", QStringLiteral("-4")},
+            {"not base64", QStringLiteral("k!!")},
+            {"empty keyset", Keyset("[]")},
+            {"nested", Keyset("[[[[1]]]]")},
+            {"two values for one key", Keyset("[1,2]")},
+            {"text for an integer key", Keyset("[\"1; DROP TABLE x\"]")},
+            {"object", Keyset("{\"a\":1}")},
+            {"truncated JSON", Keyset("[1")},
+        };
+        for (const char* Driver : {"sqlite", "postgres"})
+            for (const auto& [Name, Token] : Rows)
+                QTest::addRow("%s: %s", Driver, Name) << QString::fromLatin1(Driver) << Token;
+    }
+    void badTokens()
+    {
+        KESH_OPEN_TEST_DB(Db);
+        QFETCH(QString, token);
+        const QString T = MakeItems(*Db, 5);
+        TFixture F(Db->Connection(), T);
+        QJsonValue Owner;
+        QVERIFY_THROWS_EXCEPTION(EProviderRequestError, F.Provider->GetRecords(2, token, {}, Owner));
+        QCOMPARE(F.All().Rows.size(), 5);  // and the provider serves on
+        // A keyset token for a command that cannot be wrapped is refused too.
+        TDataPacket First = F.Provider->GetRecords(2, QString(), {}, Owner);
+        QVERIFY(First.NextToken.startsWith(QLatin1Char('k')));
+        F.Query->SetSQL({QStringLiteral("SELECT Id, Name FROM %1 ORDER BY Id LIMIT 3").arg(T)});
+        QVERIFY_THROWS_EXCEPTION(EProviderRequestError, F.Provider->GetRecords(2, First.NextToken, {}, Owner));
     }
 
     void eventOrder_data() { KeshTest::AddDriverRows(); }

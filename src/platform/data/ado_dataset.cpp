@@ -17,9 +17,7 @@ namespace Kesh {
 
 using namespace DBConsts;
 
-namespace {
-
-QString SInsufficientBaseTable() { return QStringLiteral("Insufficient base table information for updating or refreshing."); }
+namespace Detail {
 
 // Text without its string literals and comments, so that keywords inside them do not count.
 QString StripLiterals(const QString& Sql)
@@ -48,6 +46,14 @@ QString StripLiterals(const QString& Sql)
     }
     return R;
 }
+
+} // namespace Detail
+
+using Detail::StripLiterals;
+
+namespace {
+
+QString SInsufficientBaseTable() { return QStringLiteral("Insufficient base table information for updating or refreshing."); }
 
 // The one table of "SELECT … FROM table [alias] [WHERE|ORDER|…]"; empty for joins,
 // several tables or sub-queries.
@@ -148,6 +154,7 @@ public:
 
     std::unique_ptr<QSqlQuery> query;
     std::unique_ptr<Detail::TServerCursor> cursor;  // PostgreSQL: read instead of query
+    std::function<QString(const QString&, QVariantMap&, bool&)> selectWrap;
     bool pending = false;      // the query still has rows to read
     bool forwardOnly = false;  // the query holds the server's cursor (so writes must wait)
     // Keys of the rows this dataset wrote while its SQLite SELECT was still being read:
@@ -329,8 +336,12 @@ void TADODataSet::InternalOpen()
         DatabaseError(QStringLiteral("CommandText does not return a result set"));
 
     d->forwardOnly = false;
-    if (!OpenCursor(Sql))
-        OpenQuery(Sql);
+    QVariantMap Binds;
+    bool UseCursor = true;
+    const QString Run = d->selectWrap ? d->selectWrap(Sql, Binds, UseCursor) : Sql;
+    // Values to bind make a prepared statement: a cursor is declared from text.
+    if (!UseCursor || !Binds.isEmpty() || !OpenCursor(Run))
+        OpenQuery(Run, Binds);
     d->pending = true;
 
     TFieldDefs& Defs = FieldDefsRef();
@@ -389,7 +400,9 @@ int TADODataSet::InternalFetch(int MaxRows)
 }
 
 // The statement's rows from a QSqlQuery: forward-only where the driver streams them.
-void TADODataSet::OpenQuery(const QString& Sql)
+void TADODataSet::SetSelectWrap(TSelectWrap Wrap) { d->selectWrap = std::move(Wrap); }
+
+void TADODataSet::OpenQuery(const QString& Sql, const QVariantMap& Binds)
 {
     d->query = std::make_unique<QSqlQuery>(d->Db());
     // PostgreSQL's forward-only mode streams rows over the connection and loses them when
@@ -397,15 +410,18 @@ void TADODataSet::OpenQuery(const QString& Sql)
     d->forwardOnly = !d->IsPostgres();
     d->query->setForwardOnly(d->forwardOnly);
     bool Ok;
-    if (d->paramCheck && d->parameters.Count() > 0) {
+    const bool WithParameters = d->paramCheck && d->parameters.Count() > 0;
+    if (WithParameters || !Binds.isEmpty()) {
         Ok = d->query->prepare(Sql);
         if (Ok) {
-            for (int i = 0; i < d->parameters.Count(); ++i) {
+            for (int i = 0; WithParameters && i < d->parameters.Count(); ++i) {
                 const TParameter* P = d->parameters.Items(i);
                 const QMetaType Type = TField::ValueType(P->DataType);
                 d->query->bindValue(QLatin1Char(':') + P->Name,
                                     P->Value.isValid() ? P->Value : QVariant(Type.isValid() ? Type : QMetaType::fromType<QString>()));
             }
+            for (auto B = Binds.cbegin(); B != Binds.cend(); ++B)
+                d->query->bindValue(QLatin1Char(':') + B.key(), B.value());
             Ok = d->query->exec();
         }
     } else {

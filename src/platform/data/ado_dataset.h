@@ -4,6 +4,8 @@
 #include "dataset.h"
 #include <QPointer>
 #include <QStringList>
+#include <QVariantMap>
+#include <functional>
 #include <memory>
 
 class QSqlQuery;
@@ -113,11 +115,17 @@ protected:
 private:
     friend class TADOConnection;
     friend class TDataSetTotalsPrivate;  // sums the rows of SelectText on the server
+    friend class TDataSetProviderPrivate;  // reads one packet through a rewritten SELECT
+    /// For the opens that follow (until reset): Wrap gets the SELECT about to run and
+    /// returns the one to run instead, adding the values of its own named placeholders
+    /// to Binds; UseCursor false reads the result with one plain query.
+    using TSelectWrap = std::function<QString(const QString& Select, QVariantMap& Binds, bool& UseCursor)>;
+    void SetSelectWrap(TSelectWrap Wrap);
     void ConnectionClosing();
     bool HasPendingFetch() const;
     bool CursorInApplicationTransaction() const;
     bool OpenCursor(const QString& Sql);
-    void OpenQuery(const QString& Sql);
+    void OpenQuery(const QString& Sql, const QVariantMap& Binds);
     QString WithParameterLiterals(const QString& Sql) const;
     void EnsureWriteMeta();
     void PrepareWrite(const TRecordValues* NewValues = nullptr);

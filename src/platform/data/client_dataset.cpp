@@ -4,6 +4,7 @@
 #include "ado_parameters.h"
 #include "../remote/provider.h"
 #include <QJsonArray>
+#include <QSet>
 
 namespace Kesh {
 
@@ -228,6 +229,82 @@ bool TClientDataSet::LocateChange(const TChange& Change)
     return Locate(Names.join(QLatin1Char(';')), Names.size() == 1 ? Values[0] : QVariant(Values));
 }
 
+// Moves to the row holding exactly Values (an inserted row, whose key the server may not
+// have given yet); false when there is none.
+bool TClientDataSet::LocateRow(const TRecordValues& Values)
+{
+    const QList<TField*>& Fields = this->Fields();
+    QVector<int> Columns;
+    for (TField* F : Fields)
+        Columns << FieldDefs().IndexOf(F->FieldName());
+    for (int r = 0; r < FetchedRowCount(); ++r) {
+        SetActiveRow(r);
+        bool Same = true;
+        for (int i = 0; Same && i < Fields.size(); ++i) {
+            if (Columns[i] < 0)
+                continue;
+            const QVariant A = Fields[i]->AsVariant(), B = Values.value(Columns[i]);
+            Same = (A.isNull() && B.isNull()) || (!A.isNull() && !B.isNull() && A == B);
+        }
+        if (Same) {
+            UpdateCursorPos();
+            SetRecNo(r + 1);
+            return true;
+        }
+    }
+    UpdateCursorPos();
+    return false;
+}
+
+// The rows the provider sent back after applying them (server-assigned keys, defaults,
+// values its handlers set) replace the client's, without entering the log.
+void TClientDataSet::TakeRefreshed(const QJsonValue& Refreshed, const QList<TChange>& Sent, const QSet<int>& Failed)
+{
+    for (const QJsonValue& V : Refreshed.toArray()) {
+        const QJsonObject O = V.toObject();
+        const int Index = O.value(QStringLiteral("index")).toInt(-1);
+        TRecordValues Row;
+        QString Problem;
+        if (Index < 0 || Index >= Sent.size() || Failed.contains(Index) || Sent[Index].Kind == ukDelete
+            || !DataPacket::DecodeRow(O.value(QStringLiteral("row")), FieldDefs(), Row, Problem))
+            continue;
+        const TChange& C = Sent[Index];
+        if (C.Kind == ukInsert ? LocateRow(C.NewValues) : LocateChange(C))
+            WriteQuietly(&Row);
+    }
+}
+
+void TClientDataSet::RefreshRecord()
+{
+    if (!IsRemote())
+        return;
+    CheckBrowseMode();
+    if (IsEmpty())
+        return;
+    if (!m_remoteServer)
+        DatabaseError(QStringLiteral("Missing data provider or data packet"));
+    TRecordValues Row(FieldDefs().Count());
+    for (TField* F : Fields()) {
+        const int c = FieldDefs().IndexOf(F->FieldName());
+        if (c >= 0)
+            Row[c] = F->AsVariant();
+    }
+    for (const TChange& C : std::as_const(m_log))
+        if (C.Kind != ukDelete && C.NewValues == Row)
+            DatabaseError(QStringLiteral("Must apply updates before refreshing data"));
+    const QJsonObject Answer = m_remoteServer->AppServerCall(
+        m_providerName, QStringLiteral("RowRequest"),
+        {{QStringLiteral("fields"), DataPacket::EncodeFields(FieldDefs(), m_keyFields)},
+         {QStringLiteral("row"), DataPacket::EncodeRow(Row, FieldDefs())}});
+    TRecordValues Current;
+    QString Problem;
+    if (!Answer.value(QStringLiteral("row")).isArray())
+        DatabaseError(QStringLiteral("Record not found or changed by another user"));
+    if (!DataPacket::DecodeRow(Answer.value(QStringLiteral("row")), FieldDefs(), Current, Problem))
+        DatabaseError(Problem);
+    WriteQuietly(&Current);
+}
+
 // Writes Values into the current row (nullptr: deletes it) without logging a change.
 void TClientDataSet::WriteQuietly(const TRecordValues* Values)
 {
@@ -357,6 +434,7 @@ int TClientDataSet::ApplyRemoteUpdates(int MaxErrors)
             Errors.insert(Index, E);
     }
     QList<TChange> Kept;
+    const QList<TChange> Sent = m_log;
     const QByteArray Position = Bookmark();
     DisableControls();
     bool Reconciling = true;
@@ -380,6 +458,15 @@ int TClientDataSet::ApplyRemoteUpdates(int MaxErrors)
         throw;
     }
     m_log = Kept;
+    if (Committed) {
+        QSet<int> Failed(Errors.keyBegin(), Errors.keyEnd());
+        try {
+            TakeRefreshed(Answer.value(QStringLiteral("refreshed")), Sent, Failed);
+        } catch (...) {
+            EnableControls();
+            throw;
+        }
+    }
     if (!Position.isEmpty() && BookmarkValid(Position))
         GotoBookmark(Position);
     EnableControls();

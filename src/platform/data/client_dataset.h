@@ -4,6 +4,7 @@
 #include "../remote/remote_connection.h"
 #include <QJsonValue>
 #include <QPointer>
+#include <QSet>
 #include <functional>
 #include <memory>
 
@@ -86,6 +87,9 @@ public:
     TParameters* Params() const;
     /// Columns of the provider's key (from the first packet).
     QStringList KeyFields() const { return m_keyFields; }
+    /// Reads the current row again from the provider (by its key) and shows it as the
+    /// database holds it now; raises when the row is gone or has unapplied changes.
+    void RefreshRecord();
 
     TApplyUpdateEvent OnApplyUpdate;
     TReconcileErrorEvent OnReconcileError;
@@ -111,6 +115,8 @@ private:
     int ApplyRemoteUpdates(int MaxErrors);
     bool Reconcile(TChange& Change, const QJsonValue& Error, bool& Keep);
     bool LocateChange(const TChange& Change);
+    bool LocateRow(const TRecordValues& Values);
+    void TakeRefreshed(const QJsonValue& Refreshed, const QList<TChange>& Sent, const QSet<int>& Failed);
     void WriteQuietly(const TRecordValues* Values);
 
     QList<TChange> m_log;

@@ -803,7 +803,9 @@ QVariant TDataSet::ColumnValue(int Column) const
     d->SyncStore();
     if (!d->store || d->active < 0 || Column < 0 || Column >= d->store->Columns())
         return QVariant();
-    if (d->Editing() && d->active == d->cursor)
+    // While Post tells the listeners of the written row, the edit buffer is already gone and
+    // the row read is the stored one.
+    if (d->Editing() && d->active == d->cursor && Column < d->editBuffer.size())
         return d->editBuffer[Column];
     const int S = d->StoreIndex(d->active);
     if (S < 0 || S >= d->store->Count())

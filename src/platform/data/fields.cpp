@@ -565,6 +565,9 @@ TNumericField::TNumericField(QObject* Owner) : TField(Owner) { SetAlignment(Qt::
 
 bool TNumericField::IsValidChar(QChar Ch) const
 {
+    // A number whose text the program reads itself (a look-up shown by name) takes any text.
+    if (OnSetText)
+        return true;
     if (Ch.isDigit() || Ch == QLatin1Char('+') || Ch == QLatin1Char('-'))
         return true;
     switch (DataType()) {

@@ -11,6 +11,10 @@ class TADOConnection;
 
 namespace Kesh::Detail {
 
+// SQL text with its string literals replaced by '' and its comments by a space, so that
+// keywords inside them do not count.
+QString StripLiterals(const QString& Sql);
+
 // A transaction cursors are declared in.
 struct TCursorTransaction
 {

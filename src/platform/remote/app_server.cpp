@@ -94,9 +94,15 @@ int RunCall(TDataSetProvider* P, const QString& Call, const QJsonObject& Request
                                                                    : QJsonValue(QJsonValue::Null));
             Errors.append(O);
         }
+        QJsonArray Refreshed;
+        for (const TApplyResult::TRefreshedRow& Row : R.Refreshed)
+            Refreshed.append(QJsonObject{{QStringLiteral("index"), Row.Index},
+                                         {QStringLiteral("row"), DataPacket::EncodeRow(Row.Values, Fields)}});
         Answer = QJsonObject{{QStringLiteral("errorCount"), R.ErrorCount()},
                              {QStringLiteral("committed"), R.Committed},
                              {QStringLiteral("errors"), Errors}};
+        if (!Refreshed.isEmpty())
+            Answer.insert(QStringLiteral("refreshed"), Refreshed);
     } else if (Call == QLatin1String("Execute")) {
         P->Execute(Params, OwnerData);
     } else if (Call == QLatin1String("GetParams")) {

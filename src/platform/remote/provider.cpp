@@ -1,4 +1,5 @@
 #include "provider.h"
+#include "provider_paging_p.h"
 #include "../data/ado_connection.h"
 #include "../data/ado_dataset.h"
 #include "../data/db_consts_p.h"
@@ -41,6 +42,7 @@ public:
     QPointer<TDataSet> dataSet;
     TUpdateMode updateMode = upWhereAll;
     bool exported = true;
+    TProviderOptions options;
 
     // What writing needs, found once per command text of the dataset.
     struct TMeta
@@ -78,6 +80,7 @@ public:
     QSqlDatabase Db() const { return Connection()->Database(); }
 
     void AssignParams(const QList<TPacketParam>& Params) const;
+    void OpenWrapped(TADODataSet* A, Detail::TPager& Pager);
     QString CommandKey() const { return Ado() ? Ado()->CommandText() + QChar(0) + Ado()->BaseTableName() : QString(); }
     void EnsureMeta();
     void BuildMeta();
@@ -89,7 +92,41 @@ public:
     bool ReadCurrent(const TFieldDefs& Fields, const TRecordValues& KeySource, const QVector<int>& Map, TRecordValues& Current);
     QVector<int> MapFields(const TFieldDefs& Fields) const;
     void Exec(const QString& Sql);
+    void NoteRefreshed(TApplyResult& Result, int Index, const TDeltaRecord& Row, const TFieldDefs& Fields,
+                       const QVector<int>& Map, const TRecordValues& Sent);
+    bool WriteAll(TApplyResult& Result, QList<TDeltaRecord>& Delta, const TFieldDefs& Fields, const QVector<int>& Map,
+                  const QList<TRecordValues>& Sent);
 };
+
+// Every row of Delta without savepoints; false at the first that fails.
+bool TDataSetProviderPrivate::WriteAll(TApplyResult& Result, QList<TDeltaRecord>& Delta, const TFieldDefs& Fields,
+                                       const QVector<int>& Map, const QList<TRecordValues>& Sent)
+{
+    try {
+        for (int i = 0; i < Delta.size(); ++i) {
+            WriteRow(Delta[i], Map, updateMode);
+            NoteRefreshed(Result, i, Delta[i], Fields, Map, Sent.value(i));
+        }
+    } catch (const Exception&) {
+        return false;
+    }
+    return true;
+}
+
+// An applied insert or modify as the client should now hold it, when the options ask.
+void TDataSetProviderPrivate::NoteRefreshed(TApplyResult& Result, int Index, const TDeltaRecord& Row,
+                                            const TFieldDefs& Fields, const QVector<int>& Map, const TRecordValues& Sent)
+{
+    if (Row.UpdateKind == ukDelete || !(options & (poAutoRefresh | poPropogateChanges)))
+        return;
+    TRecordValues Now;
+    if ((options & poAutoRefresh) && ReadCurrent(Fields, Row.NewValues, Map, Now)) {
+        Result.Refreshed.append({Index, Now});
+        return;
+    }
+    if ((options & poPropogateChanges) && Row.NewValues != Sent)
+        Result.Refreshed.append({Index, Row.NewValues});
+}
 
 void TDataSetProviderPrivate::AssignParams(const QList<TPacketParam>& Params) const
 {
@@ -105,6 +142,20 @@ void TDataSetProviderPrivate::AssignParams(const QList<TPacketParam>& Params) co
         Target->DataType = P.DataType;
         Target->Value = P.Value;
     }
+}
+
+void TDataSetProviderPrivate::OpenWrapped(TADODataSet* A, Detail::TPager& Pager)
+{
+    A->SetSelectWrap([&Pager](const QString& Select, QVariantMap& Binds, bool& UseCursor) {
+        return Pager.Wrap(Select, Binds, UseCursor);
+    });
+    try {
+        A->Open();
+    } catch (...) {
+        A->SetSelectWrap(nullptr);
+        throw;
+    }
+    A->SetSelectWrap(nullptr);
 }
 
 void TDataSetProviderPrivate::EnsureMeta()
@@ -261,6 +312,13 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
     QSqlDriver* Driver = Db().driver();
     QString Sql;
     QSqlRecord Values, Where;
+    // The delta column of a one-column key an insert leaves to the database, or -1.
+    int AssignedKey = -1;
+    if (Row.UpdateKind == ukInsert && meta->keyColumns.size() == 1) {
+        AssignedKey = Map.indexOf(meta->keyColumns[0]);
+        if (AssignedKey >= Row.NewValues.size() || (AssignedKey >= 0 && !Row.NewValues[AssignedKey].isNull()))
+            AssignedKey = -1;
+    }
     if (Row.UpdateKind == ukInsert || Row.UpdateKind == ukModify) {
         const QBitArray Changed = Row.Changed();
         for (int i = 0; i < Map.size(); ++i) {
@@ -276,6 +334,9 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
     case ukInsert:
         Sql = Values.isEmpty() ? QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(Driver->escapeIdentifier(meta->table, QSqlDriver::TableName))
                                : Driver->sqlStatement(QSqlDriver::InsertStatement, meta->table, Values, true);
+        // PostgreSQL tells the key it assigned only when asked.
+        if (AssignedKey >= 0 && Driver->dbmsType() == QSqlDriver::PostgreSQL)
+            Sql += QLatin1String(" RETURNING ") + Driver->escapeIdentifier(meta->base.fieldName(meta->baseIndex[Map[AssignedKey]]), QSqlDriver::FieldName);
         break;
     case ukModify:
         if (Values.isEmpty())
@@ -301,6 +362,12 @@ void TDataSetProviderPrivate::WriteRow(TDeltaRecord& Row, const QVector<int>& Ma
         TADOConnection::RaiseSqlError(Q.lastError());
     if (Row.UpdateKind != ukInsert && Q.numRowsAffected() == 0)
         throw EUpdateError(SRecordChanged());
+    // A key the database assigned (auto-increment) goes back into the row.
+    if (AssignedKey >= 0) {
+        const QVariant Id = Driver->dbmsType() == QSqlDriver::PostgreSQL ? (Q.next() ? Q.value(0) : QVariant()) : Q.lastInsertId();
+        if (Id.isValid() && !Id.isNull())
+            Row.NewValues[AssignedKey] = TField::ValueOf(meta->fields[meta->keyColumns[0]].DataType, Id);
+    }
 }
 
 QSqlQuery& TDataSetProviderPrivate::Statement(const QString& Sql)
@@ -369,6 +436,8 @@ void TDataSetProvider::SetDataSet(TDataSet* Value)
 
 TUpdateMode TDataSetProvider::UpdateMode() const { return d->updateMode; }
 void TDataSetProvider::SetUpdateMode(TUpdateMode Value) { d->updateMode = Value; }
+TProviderOptions TDataSetProvider::Options() const { return d->options; }
+void TDataSetProvider::SetOptions(TProviderOptions Value) { d->options = Value; }
 bool TDataSetProvider::Exported() const { return d->exported; }
 void TDataSetProvider::SetExported(bool Value) { d->exported = Value; }
 
@@ -378,27 +447,35 @@ TDataPacket TDataSetProvider::GetRecords(int Count, const QString& Token, const 
     TDataSet* DS = d->DataSet();
     if (BeforeGetRecords)
         BeforeGetRecords(this, OwnerData);
-    int Offset = 0;
-    if (!Token.isEmpty()) {
-        bool Ok = false;
-        Offset = Token.toInt(&Ok);
-        if (!Ok || Offset < 0)
-            throw EProviderRequestError(QStringLiteral("Invalid paging token"));
-    }
     d->AssignParams(Params);
     // An open dataset (opened by the module's own code) is read again as it stands;
-    // otherwise it is opened for this call only.
+    // otherwise it is opened for this call only, its SELECT wrapped to read one packet.
     const bool WasActive = DS->Active();
-    if (WasActive)
+    std::unique_ptr<Detail::TPager> Pager;
+    if (WasActive) {
+        Pager = std::make_unique<Detail::TPager>(TFieldDefs(), QVector<int>(), nullptr, Count, Token);
+        if (Pager->Kind() != Detail::TPager::Scan || Token.startsWith(QLatin1Char('k')))
+            throw EProviderRequestError(QStringLiteral("Invalid paging token"));
         DS->Refresh();
-    else
-        DS->Open();
+    } else {
+        d->EnsureMeta();
+        TADODataSet* A = d->Ado();
+        Pager = std::make_unique<Detail::TPager>(d->meta->fields, d->meta->keyColumns,
+                                                 A ? d->Db().driver() : nullptr, Count, Token);
+        if (A && Count != 0)
+            d->OpenWrapped(A, *Pager);
+        else if (Token.startsWith(QLatin1Char('k')))
+            throw EProviderRequestError(QStringLiteral("Invalid paging token"));
+        else
+            DS->Open();
+    }
     TDataPacket Packet;
     try {
         d->EnsureMeta();
         Packet.Fields = d->meta->fields;
         Packet.KeyFields = d->KeyNames();
         if (Count != 0) {
+            const int Offset = Pager->Skip();
             const qint64 Want = Count < 0 ? qint64(INT_MAX) - Offset : Count;
             while (DS->FetchedRowCount() < Offset + Want && !DS->FetchedAll() && DS->FetchMore() > 0) {
             }
@@ -413,8 +490,9 @@ TDataPacket TDataSetProvider::GetRecords(int Count, const QString& Token, const 
                 Packet.Rows.append(Row);
             }
             DS->UpdateCursorPos();
-            if (Count > 0 && (DS->FetchedRowCount() > End || (!DS->FetchedAll() && DS->FetchMore() > 0)))
-                Packet.NextToken = QString::number(End);
+            if (Count > 0 && !Packet.Rows.isEmpty()
+                && (DS->FetchedRowCount() > End || (!DS->FetchedAll() && DS->FetchMore() > 0)))
+                Packet.NextToken = Pager->NextToken(Packet.Rows.constLast(), int(Packet.Rows.size()));
         }
         if (OnGetData)
             OnGetData(this, Packet);
@@ -438,6 +516,10 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
         BeforeApplyUpdates(this, OwnerData);
     for (TDeltaRecord& R : Delta)
         R.Fields = &Fields;
+    QList<TRecordValues> Sent;  // the client's values, to see what handlers changed
+    if (d->options & poPropogateChanges)
+        for (const TDeltaRecord& R : std::as_const(Delta))
+            Sent << R.NewValues;
     if (OnUpdateData)
         OnUpdateData(this, Delta);
     TADOConnection* Conn = d->Connection();
@@ -453,8 +535,24 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
     TApplyResult Result;
     bool Abort = false;
     const QString Savepoint = QStringLiteral("kesh_row");
+    // Without per-row handlers a savepoint matters only when a row fails: the rows are
+    // written straight away, and at the first failure the transaction is rolled back and
+    // the delta applied again row by row under savepoints, as if nothing had been tried.
+    const bool Straight = OwnTransaction && !BeforeUpdateRecord && !AfterUpdateRecord;
+    bool Done = false;
     try {
-        for (int i = 0; i < Delta.size() && !Abort; ++i) {
+        if (Straight) {
+            const QList<TDeltaRecord> Original = Delta;
+            Done = d->WriteAll(Result, Delta, Fields, Map, Sent);
+            if (!Done) {
+                Conn->RollbackTrans();
+                d->statements.clear();
+                Delta = Original;
+                Result = TApplyResult();
+                Conn->BeginTrans();
+            }
+        }
+        for (int i = 0; !Done && i < Delta.size() && !Abort; ++i) {
             TDeltaRecord& Row = Delta[i];
             const TUpdateKind Kind = Row.UpdateKind;
             d->Exec(QStringLiteral("SAVEPOINT ") + Savepoint);
@@ -467,6 +565,7 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
                 if (AfterUpdateRecord)
                     AfterUpdateRecord(this, d->dataSet, Row, Kind);
                 d->Exec(QStringLiteral("RELEASE SAVEPOINT ") + Savepoint);
+                d->NoteRefreshed(Result, i, Row, Fields, Map, Sent.value(i));
                 continue;
             } catch (const Exception& E) {
                 d->Exec(QStringLiteral("ROLLBACK TO SAVEPOINT ") + Savepoint);
@@ -493,8 +592,10 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
                     }
                 }
                 d->Exec(QStringLiteral("RELEASE SAVEPOINT ") + Savepoint);
-                if (!Failed)
+                if (!Failed) {
+                    d->NoteRefreshed(Result, i, Row, Fields, Map, Sent.value(i));
                     continue;
+                }
                 TApplyResult::TRowError R;
                 R.Index = i;
                 R.UpdateKind = Kind;
@@ -520,6 +621,8 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
     }
     d->statements.clear();
     Result.Committed = !Abort;
+    if (Abort)
+        Result.Refreshed.clear();
     if (AfterApplyUpdates)
         AfterApplyUpdates(this, OwnerData);
     return Result;

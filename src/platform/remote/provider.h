@@ -24,6 +24,13 @@ Q_ENUM_NS(TResolverResponse)
 /// What a client's OnReconcileError decides for a row the server refused.
 enum TReconcileAction : int { raSkip, raAbort, raMerge, raCorrect, raCancel, raRefresh };
 Q_ENUM_NS(TReconcileAction)
+/// What a provider sends back of the rows it applied: poAutoRefresh the row as the
+/// database holds it after the write (defaults, triggers, an auto-increment key);
+/// poPropogateChanges the values its own handlers changed (BeforeUpdateRecord, OnUpdateData).
+enum TProviderOption { poAutoRefresh = 0x1, poPropogateChanges = 0x2 };
+Q_DECLARE_FLAGS(TProviderOptions, TProviderOption)
+Q_FLAG_NS(TProviderOptions)
+Q_DECLARE_OPERATORS_FOR_FLAGS(TProviderOptions)
 } // namespace Remote
 using namespace Remote;
 
@@ -86,6 +93,13 @@ struct KESH_EXPORT TApplyResult
         bool HasCurrentValues = false;
     };
     QList<TRowError> Errors;
+    /// Applied rows as they are now (see TProviderOptions), for the client to take over.
+    struct TRefreshedRow
+    {
+        int Index = 0;
+        TRecordValues Values;
+    };
+    QList<TRefreshedRow> Refreshed;
     bool Committed = false;
     int ErrorCount() const { return int(Errors.size()); }
 };
@@ -104,6 +118,7 @@ class KESH_EXPORT TDataSetProvider : public QObject
     Q_OBJECT
     Q_PROPERTY(Kesh::Remote::TUpdateMode UpdateMode READ UpdateMode WRITE SetUpdateMode)
     Q_PROPERTY(bool Exported READ Exported WRITE SetExported)
+    Q_PROPERTY(Kesh::Remote::TProviderOptions Options READ Options WRITE SetOptions)
 
 public:
     explicit TDataSetProvider(QObject* Owner = nullptr);
@@ -116,6 +131,8 @@ public:
     /// Offered to clients when the owner module looks its providers up (true).
     bool Exported() const;
     void SetExported(bool Value);
+    TProviderOptions Options() const;
+    void SetOptions(TProviderOptions Value);
 
     // ---- the calls a client makes
     TDataPacket GetRecords(int Count, const QString& Token, const QList<TPacketParam>& Params, QJsonValue& OwnerData);

@@ -1,6 +1,8 @@
-// Kesh for Qt — "Edit font…" in Designer's context menu of a component.
-#include "font_task_menu.h"
+// Kesh for Qt — the entries of a component's context menu in Qt Designer.
+#include "task_menu.h"
+#include "columns_editor.h"
 
+#include "Kesh_dbGrid.h"
 #include "colors.h"
 
 #include <QAction>
@@ -31,7 +33,7 @@ QList<QByteArray> FontProperties(const QObject* Object)
     return Names;
 }
 
-class TFontTaskMenuFactory : public QExtensionFactory
+class TTaskMenuFactory : public QExtensionFactory
 {
 public:
     using QExtensionFactory::QExtensionFactory;
@@ -41,9 +43,11 @@ protected:
     {
         auto* Widget = qobject_cast<QWidget*>(Object);
         if (Iid != QLatin1String(Q_TYPEID(QDesignerTaskMenuExtension)) || !Widget
-            || !QByteArray(Object->metaObject()->className()).startsWith("Kesh::") || FontProperties(Object).isEmpty())
+            || !QByteArray(Object->metaObject()->className()).startsWith("Kesh::"))
             return nullptr;
-        return new TFontTaskMenu(Widget, Parent);
+        if (FontProperties(Object).isEmpty() && !qobject_cast<Kesh::TQxCustomDBGrid*>(Widget))
+            return nullptr;
+        return new TTaskMenu(Widget, Parent);
     }
 };
 
@@ -54,17 +58,32 @@ Kesh::TFont PickedFont(const Kesh::TFont& Current, const QFont& Chosen, const QC
     return Kesh::TFont(Chosen, Color.isValid() ? Kesh::QColorToTColor(Color) : Current.Color(), Current.Charset());
 }
 
-TFontTaskMenu::TFontTaskMenu(QWidget* Widget, QObject* Parent) : QObject(Parent), m_widget(Widget)
+TTaskMenu::TTaskMenu(QWidget* Widget, QObject* Parent) : QObject(Parent), m_widget(Widget)
 {
+    if (qobject_cast<Kesh::TQxCustomDBGrid*>(Widget)) {
+        auto* Action = new QAction(tr("Edit columns..."), this);
+        Action->setObjectName(QStringLiteral("_ColumnsText"));
+        connect(Action, &QAction::triggered, this, &TTaskMenu::EditColumns);
+        m_actions << Action;
+    }
     for (const QByteArray& Property : FontProperties(Widget)) {
         auto* Action = new QAction(tr("Edit font %1...").arg(QString::fromLatin1(Property)), this);
         Action->setObjectName(QString::fromLatin1(Property));
-        connect(Action, &QAction::triggered, this, [this, Property] { Edit(Property); });
+        connect(Action, &QAction::triggered, this, [this, Property] { EditFont(Property); });
         m_actions << Action;
     }
 }
 
-void TFontTaskMenu::Edit(const QByteArray& Property)
+void TTaskMenu::Store(const QByteArray& Property, const QVariant& Value)
+{
+    // Through the form window's cursor, the change is an ordinary, undoable edit.
+    if (QDesignerFormWindowInterface* Form = QDesignerFormWindowInterface::findFormWindow(m_widget))
+        Form->cursor()->setWidgetProperty(m_widget, QString::fromLatin1(Property), Value);
+    else
+        m_widget->setProperty(Property.constData(), Value);
+}
+
+void TTaskMenu::EditFont(const QByteArray& Property)
 {
     const QPointer<QWidget> Widget(m_widget);
     const Kesh::TFont Current = Widget->property(Property.constData()).value<Kesh::TFont>();
@@ -77,16 +96,24 @@ void TFontTaskMenu::Edit(const QByteArray& Property)
     if (!Widget)
         return;
     const Kesh::TFont Picked = PickedFont(Current, Chosen, Color);
-    // Through the form window's cursor, the change is an ordinary, undoable edit.
-    if (QDesignerFormWindowInterface* Form = QDesignerFormWindowInterface::findFormWindow(Widget.data()))
-        Form->cursor()->setWidgetProperty(Widget, QString::fromLatin1(Property), Kesh::FontToStr(Picked));
+    if (QDesignerFormWindowInterface::findFormWindow(Widget.data()))
+        Store(Property, Kesh::FontToStr(Picked)); // as the property editor shows it
     else
-        Widget->setProperty(Property.constData(), QVariant::fromValue(Picked));
+        Store(Property, QVariant::fromValue(Picked));
 }
 
-void RegisterFontTaskMenu(QExtensionManager* Manager)
+void TTaskMenu::EditColumns()
 {
-    Manager->registerExtensions(new TFontTaskMenuFactory(Manager), Q_TYPEID(QDesignerTaskMenuExtension));
+    const QPointer<QWidget> Widget(m_widget);
+    TColumnsEditor Editor(Widget->property("_ColumnsText").toString(), Widget->window());
+    Editor.setWindowTitle(tr("Columns of %1").arg(Widget->objectName()));
+    if (Editor.exec() == QDialog::Accepted && Widget)
+        Store("_ColumnsText", Editor.Text());
+}
+
+void RegisterTaskMenu(QExtensionManager* Manager)
+{
+    Manager->registerExtensions(new TTaskMenuFactory(Manager), Q_TYPEID(QDesignerTaskMenuExtension));
 }
 
 } // namespace KeshDesigner
