@@ -137,8 +137,8 @@ TMainWindow::TMainWindow(TDemoContext& Context, QWidget* Parent) : QMainWindow(P
     setMinimumSize(800, 560);
     d->Manager = new TQxForm(this, QStringLiteral("QxForm1"));
     d->Manager->SetOptions(FoSavePosition | FoSaveSize);
-    // With nothing remembered the manager sizes the window to its minimum size, which Qt's
-    // layouts give every window: on the first run the default size is remembered instead.
+    // With nothing remembered the manager opens the window at its minimum size: on the
+    // first run the default size is remembered instead.
     const QString Section = objectName() + QLatin1Char('.') + d->Manager->objectName();
     if (ReadSetting(Section, QStringLiteral("Width"), QString()).toString().isEmpty()) {
         SaveSetting(Section, QStringLiteral("Width"), width());
