@@ -481,6 +481,34 @@ private Q_SLOTS:
         QVERIFY(Opened[1] < Newest);
     }
 
+    void escapeUndoesTheLine_data()
+    {
+        AddDrivers();
+        QTest::newRow("sqlite") << "sqlite";
+    }
+    // Escape in the grid gives the line back as it was and leaves the window open.
+    void escapeUndoesTheLine()
+    {
+        OPEN_DEMO_DB(Db);
+        const int InvId = OpenSampleInvoice(Db);
+        TShownForm S(Db);
+        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        QVERIFY(S.Form.OpenInvoice(InvId));
+        const double Total = S.Form.Total();
+        auto* Grid = S.Child<TQxdbGrid>("grdLines");
+        Grid->setFocus();
+        Grid->SetSelectedIndex(1);
+        const double Qty = Grid->DataSet()->FieldByName(QStringLiteral("Qty"))->AsFloat();
+        Type(Grid, QStringLiteral("99"));
+        QTest::keyClick(Editor(Grid), Qt::Key_Return);
+        QVERIFY(S.Form.Total() != Total);
+        QTest::keyClick(Grid, Qt::Key_Escape);
+        QVERIFY(S.Form.isVisible());
+        QCOMPARE(Grid->DataSet()->FieldByName(QStringLiteral("Qty"))->AsFloat(), Qty);
+        QCOMPARE(S.Form.Total(), Total);
+        QVERIFY(!S.Form.HasChanges());
+    }
+
     void calendarChoice_data()
     {
         AddDrivers();
