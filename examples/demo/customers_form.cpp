@@ -64,7 +64,7 @@ TCustomersForm::TCustomersForm(TDemoContext& Context, QWidget* Parent)
          {{"Name_e", "Name_a", u"الاسم", "Name", 30},
           {"Cust_id", nullptr, u"الرقم", "No.", 8},
           {"Phone", nullptr, u"الهاتف", "Phone", 12},
-          {"Joined", nullptr, u"تاريخ الانضمام", "Joined", 12, true}},
+          {"Joined", nullptr, u"الانضمام", "Joined", 12, true}},
          QStringLiteral("العملاء"), QStringLiteral("Customers"));
 }
 

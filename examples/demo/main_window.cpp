@@ -3,6 +3,8 @@
 #include "invoice_form.h"
 #include "invoice_list_form.h"
 #include "sample_db.h"
+#include "customers_form.h"
+#include "items_form.h"
 #include "settings_form.h"
 #include "tools_form.h"
 
@@ -348,6 +350,11 @@ void TMainWindow::RegisterForms()
                      return Tour;
                  });
     // Forms of the lists and sales go here, one RegisterForm line each.
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Customers"), {QStringLiteral("العملاء"), QStringLiteral("&Customers")},
+                 FormOf<TCustomersForm>(), QKeySequence(Qt::CTRL | Qt::Key_1))
+        .Shots = &TListForm::SaveBrowserShots;
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Items"), {QStringLiteral("الأصناف"), QStringLiteral("&Items")},
+                 FormOf<TItemsForm>(), QKeySequence(Qt::CTRL | Qt::Key_2));
     auto& Invoice = RegisterForm(Menu(QStringLiteral("Sales")), QStringLiteral("Invoice"),
                                  {QStringLiteral("فاتورة جديدة…"), QStringLiteral("&New invoice…")}, FormOf<InvoiceForm>(),
                                  QKeySequence(Qt::CTRL | Qt::Key_I));
