@@ -61,6 +61,7 @@ public:
     bool IsPosted() const;
 
     Kesh::TQxForm* Manager() const { return m_manager; }
+    Demo::TDemoContext& Context() const { return m_context; }
 
 protected:
     void closeEvent(QCloseEvent* Event) override;

@@ -1,17 +1,21 @@
 #include "list_form.h"
 #include "demo_context.h"
+#include "screenshots.h"
 
 #include <Kesh.h>
+#include <KeshForm_AdoBrowser.h>
 #include <Kesh_AdoDB.h>
 #include <Kesh_Controls.h>
 #include <Kesh_dbControls.h>
 #include <Kesh_dbGrid.h>
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QKeyEvent>
 #include <QSqlDriver>
 #include <QStyle>
 #include <QTimer>
+#include <cstdio>
 
 using namespace Kesh;
 
@@ -79,6 +83,13 @@ void TListForm::Open(TDataSet* DataSet, const TParts& Parts, std::initializer_li
         B->SetFieldName_e(QLatin1String(C.FieldE));
         B->SetFieldName_a(QLatin1String(C.FieldA ? C.FieldA : C.FieldE));
         B->SetKeyboard(C.FieldA ? kxBiDiMode : kxSystem);
+        // Numbers end at the trailing side in both languages, ticks stand in the middle.
+        const TField* Field = DataSet->FindField(QLatin1String(C.FieldE));
+        const Qt::Alignment Align = qobject_cast<const TNumericField*>(Field) ? Qt::AlignRight
+                                    : qobject_cast<const TBooleanField*>(Field) ? Qt::AlignHCenter
+                                                                                : Qt::AlignLeft;
+        B->SetAlign_a(Align);
+        B->SetAlign_e(Align);
         Column->GetTitle()->SetCaptionA(QString::fromUtf16(C.TitleA));
         Column->GetTitle()->SetCaptionE(QLatin1String(C.TitleE));
     }
@@ -165,6 +176,30 @@ bool TListForm::Find()
         ShowError(E.Message);
     }
     return false;
+}
+
+bool TListForm::SaveBrowserShots(QWidget* Form, const QString& Folder, const QString& Lang)
+{
+    auto* List = qobject_cast<TListForm*>(Form);
+    if (!List || !List->Browser())
+        return false;
+    QStringList Files;
+    for (const char* Name : {"browser-", "browser-filter-"})
+        Files << QDir(Folder).filePath(QLatin1String(Name) + Lang + QStringLiteral(".png"));
+    const bool Saved = SaveDialogChain(
+        Files, [List] { List->Find(); },
+        [](QDialog* Dialog, int Index) {
+            if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog); Browser && Index == 0)
+                Browser->F1->setText(BiStr(QStringLiteral("م"), QStringLiteral("Al")));
+        },
+        [](QDialog* Dialog, int) {
+            if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog))
+                QMetaObject::invokeMethod(Browser->btnFilter, "click", Qt::QueuedConnection);
+        });
+    if (Saved)
+        for (const QString& File : std::as_const(Files))
+            std::printf("%s\n", qPrintable(File));
+    return Saved;
 }
 
 // The count comes from the database while rows remain unread, so that opening the form does

@@ -1,6 +1,10 @@
 #include "main_window.h"
 #include "demo_window.h"
+#include "invoice_form.h"
+#include "invoice_list_form.h"
 #include "sample_db.h"
+#include "customers_form.h"
+#include "items_form.h"
 #include "settings_form.h"
 #include "tools_form.h"
 
@@ -9,10 +13,12 @@
 #include <Kesh_Controls.h>
 
 #include <QAction>
+#include <cstdio>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDate>
+#include <QDir>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -344,6 +350,46 @@ void TMainWindow::RegisterForms()
                      return Tour;
                  });
     // Forms of the lists and sales go here, one RegisterForm line each.
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Customers"), {QStringLiteral("العملاء"), QStringLiteral("&Customers")},
+                 FormOf<TCustomersForm>(), QKeySequence(Qt::CTRL | Qt::Key_1))
+        .Shots = &TListForm::SaveBrowserShots;
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Items"), {QStringLiteral("الأصناف"), QStringLiteral("&Items")},
+                 FormOf<TItemsForm>(), QKeySequence(Qt::CTRL | Qt::Key_2));
+    auto& Invoice = RegisterForm(Menu(QStringLiteral("Sales")), QStringLiteral("Invoice"),
+                                 {QStringLiteral("فاتورة جديدة…"), QStringLiteral("&New invoice…")}, FormOf<InvoiceForm>(),
+                                 QKeySequence(Qt::CTRL | Qt::Key_I));
+    // Beside the new invoice, one of the sample's invoices with several lines.
+    Invoice.Shots = [](QWidget* Form, const QString& Folder, const QString& Lang) {
+        auto* Shown = static_cast<InvoiceForm*>(Form);
+        QVector<QVariant> Id(1);
+        if (!Shown->Context().Conn->DLookup(
+                QStringLiteral("SELECT MIN(I.Inv_id) FROM Invoices I WHERE NOT I.Posted AND "
+                               "(SELECT COUNT(*) FROM InvoiceLines L WHERE L.Inv_id = I.Inv_id) >= 5"),
+                Id)
+            || !Shown->OpenInvoice(Id[0].toInt()))
+            return false;
+        QCoreApplication::processEvents();
+        const QString File = QDir(Folder).filePath(QStringLiteral("invoice-filled-") + Lang + QStringLiteral(".png"));
+        if (!Form->grab().save(File))
+            return false;
+        std::printf("%s\n", qPrintable(File));
+        return true;
+    };
+    auto& Invoices = RegisterForm(Menu(QStringLiteral("Sales")), QStringLiteral("Invoices"),
+                                  {QStringLiteral("الفواتير…"), QStringLiteral("&Invoices…")}, FormOf<InvoiceListForm>(),
+                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
+    // The list opens its invoices in the invoice window.
+    Invoices.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
+        auto* List = new InvoiceListForm(Context, Parent);
+        List->OnOpenInvoice = [this](int InvId) {
+            auto* Form = static_cast<InvoiceForm*>(OpenForm(QStringLiteral("Invoice")));
+            if (Form && InvId)
+                Form->OpenInvoice(InvId);
+            else if (Form)
+                Form->NewInvoice();
+        };
+        return List;
+    };
 }
 
 void TMainWindow::HideEmptyMenus()
