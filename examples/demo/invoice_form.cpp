@@ -804,7 +804,7 @@ void InvoiceForm::ShowTotal()
     const QStringList English = CurrencyNames(false);
     const qint64 Whole = qint64(Value);
     // The word routines name no number for nothing: "zero" is said here.
-    QString WordsA = Whole ? NumberToWords(Amount, Arabic.mid(0, 4)).trimmed()
+    QString WordsA = Whole ? NumberToArabicWords(Amount, Arabic.mid(0, 4)).trimmed()
                            : QStringLiteral("صفر ") + Arabic.first();
     QString WordsE = Trim(NumberToWordsE(Amount));
     WordsE = (WordsE.isEmpty() ? QStringLiteral("Zero") : WordsE) + QLatin1Char(' ') + EnglishName(English.first(), Whole);

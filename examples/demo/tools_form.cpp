@@ -100,7 +100,7 @@ void TToolsForm::UpdateAmount()
         return;
     }
     const Currency Amount(Value);
-    F.lblArabicWordsValue->setText(NumberToWords(Amount, {QStringLiteral("ريال"), QStringLiteral("ريالان"),
+    F.lblArabicWordsValue->setText(NumberToArabicWords(Amount, {QStringLiteral("ريال"), QStringLiteral("ريالان"),
                                                           QStringLiteral("ريالات"), QStringLiteral("ريالا")}));
     F.lblEnglishWordsValue->setText(Trim(NumberToWordsE(Amount)) + QStringLiteral(" Riyals"));
 }

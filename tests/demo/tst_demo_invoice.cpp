@@ -208,7 +208,7 @@ private Q_SLOTS:
         QCOMPARE(S.Form.Total(), Line1 + Line2);
         QCOMPARE(S.Child<TQxLabel>("lblTotal")->GetCaption(), FormatFloat(QStringLiteral("#,##0.00"), Line1 + Line2));
         const Currency Amount(Line1 + Line2);
-        const QString ArabicWords = NumberToWords(Amount, {QStringLiteral("دينار"), QStringLiteral("ديناران"),
+        const QString ArabicWords = NumberToArabicWords(Amount, {QStringLiteral("دينار"), QStringLiteral("ديناران"),
                                                             QStringLiteral("دنانير"), QStringLiteral("دينارا")})
                                         .trimmed();
         QVERIFY2(S.Child<TQxLabel>("lblWordsA")->GetCaption().startsWith(ArabicWords),
