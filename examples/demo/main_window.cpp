@@ -1,5 +1,4 @@
 #include "main_window.h"
-#include "demo_window.h"
 #include "invoice_form.h"
 #include "invoice_list_form.h"
 #include "sample_db.h"
@@ -328,28 +327,7 @@ TFormEntry& TMainWindow::RegisterForm(QMenu* InMenu, const QString& Name, const 
 
 void TMainWindow::RegisterForms()
 {
-    auto& Settings = RegisterForm(Menu(QStringLiteral("File")), QStringLiteral("Settings"),
-                                  {QStringLiteral("الإعدادات…"), QStringLiteral("&Settings…")}, FormOf<TSettingsForm>(),
-                                  QKeySequence(Qt::CTRL | Qt::Key_Comma));
-    // The company name and currency shown here come from the settings.
-    Settings.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
-        auto* Form = new TSettingsForm(Context, Parent);
-        connect(Form, &TSettingsForm::Saved, this, &TMainWindow::RefreshStart);
-        return Form;
-    };
-    RegisterForm(Menu(QStringLiteral("Tools")), QStringLiteral("Tools"),
-                 {QStringLiteral("التواريخ والمبالغ والتقريب…"), QStringLiteral("&Dates, amounts and rounding…")},
-                 FormOf<TToolsForm>(), QKeySequence(Qt::CTRL | Qt::Key_T));
-    // Until the lists and sales forms take them over, the pages of the component tour.
-    RegisterForm(Menu(QStringLiteral("Tools")), QStringLiteral("Tour"), {QStringLiteral("جولة في المكونات…"), QStringLiteral("Component &tour…")},
-                 [](TDemoContext&, QWidget* Parent) -> QWidget* {
-                     auto* Tour = new DemoWindow(Parent);
-                     // The language is switched for every window at once, from the Language menu.
-                     if (auto* Button = Tour->findChild<QWidget*>(QStringLiteral("LanguageButton")))
-                         Button->hide();
-                     return Tour;
-                 });
-    // Forms of the lists and sales go here, one RegisterForm line each.
+    // The forms of the application, one RegisterForm each; the start panel's buttons follow this order.
     RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Customers"), {QStringLiteral("العملاء"), QStringLiteral("&Customers")},
                  FormOf<TCustomersForm>(), QKeySequence(Qt::CTRL | Qt::Key_1))
         .Shots = &TListForm::SaveBrowserShots;
@@ -398,6 +376,18 @@ void TMainWindow::RegisterForms()
         };
         return List;
     };
+    auto& Settings = RegisterForm(Menu(QStringLiteral("File")), QStringLiteral("Settings"),
+                                  {QStringLiteral("الإعدادات…"), QStringLiteral("&Settings…")}, FormOf<TSettingsForm>(),
+                                  QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    // The company name and currency shown here come from the settings.
+    Settings.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
+        auto* Form = new TSettingsForm(Context, Parent);
+        connect(Form, &TSettingsForm::Saved, this, &TMainWindow::RefreshStart);
+        return Form;
+    };
+    RegisterForm(Menu(QStringLiteral("Tools")), QStringLiteral("Tools"),
+                 {QStringLiteral("التواريخ والمبالغ والتقريب…"), QStringLiteral("&Dates, amounts and rounding…")},
+                 FormOf<TToolsForm>(), QKeySequence(Qt::CTRL | Qt::Key_T));
 }
 
 void TMainWindow::HideEmptyMenus()

@@ -428,7 +428,8 @@ void TQxCustomDBGrid::LayoutChanged()
     d->Titles->setSectionsMovable(d->Options & dgColumnResize);
     if (!(d->Options & dgColumnResize))
         d->Titles->setSectionResizeMode(QHeaderView::Fixed);
-    setShowGrid(d->Options & (dgColLines | dgRowLines));
+    // Qt draws both kinds of lines or none; one kind alone is drawn with the cells.
+    setShowGrid((d->Options & dgColLines) && (d->Options & dgRowLines));
     setTabKeyNavigation(d->Options & dgTabs);
     d->ApplyingLayout = false;
     UpdateFixedColumns();
@@ -1296,6 +1297,18 @@ void TQxCustomDBGrid::DrawCell(QPainter* Painter, const QRect& Rect, const QMode
         Painter->setPen(Dotted);
         Painter->setBrush(Qt::NoBrush);
         Painter->drawRect(Rect.adjusted(0, 0, -1, -1));
+    }
+    const bool ColLines = d->Options & dgColLines, RowLines = d->Options & dgRowLines;
+    if (ColLines != RowLines) {
+        QStyleOptionViewItem Option;
+        initViewItemOption(&Option);
+        Painter->setPen(QColor(QRgb(style()->styleHint(QStyle::SH_Table_GridLineColor, &Option, this))));
+        // Where the view itself puts them: after the cell in the reading direction, and below.
+        if (ColLines)
+            Painter->drawLine(isRightToLeft() ? Rect.topLeft() : Rect.topRight(),
+                              isRightToLeft() ? Rect.bottomLeft() : Rect.bottomRight());
+        else
+            Painter->drawLine(Rect.bottomLeft(), Rect.bottomRight());
     }
     d->Canvas = nullptr;
     Painter->restore();

@@ -93,7 +93,7 @@ void TQxGridDelegate::setEditorData(QWidget* Editor, const QModelIndex& Index) c
 
 void TQxGridDelegate::updateEditorGeometry(QWidget* Editor, const QStyleOptionViewItem& Option, const QModelIndex&) const
 {
-    Editor->setGeometry(Option.rect.adjusted(0, 0, -1, -1));
+    Editor->setGeometry(Option.rect);  // the whole cell: no strip of its highlight shows around
 }
 
 QString TQxGridDelegate::EditorText(const QWidget* Editor)

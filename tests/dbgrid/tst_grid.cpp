@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QStyleOptionViewItem>
 #include <QTimer>
 #include <QUrl>
 
@@ -567,6 +568,58 @@ private Q_SLOTS:
             WantNames[0] = typed;
         QCOMPARE(Names, WantNames);
         QCOMPARE(Qtys, WantQtys);
+    }
+
+    // dgColLines and dgRowLines each draw their own lines only, in both directions; an open
+    // editor covers its whole cell.
+    void gridLines_data()
+    {
+        QTest::addColumn<bool>("cols");
+        QTest::addColumn<bool>("rows");
+        QTest::addColumn<bool>("rtl");
+        for (const bool Rtl : {false, true})
+            for (int Mode = 0; Mode < 4; ++Mode)
+                QTest::addRow("%s%s%s", Mode & 1 ? "columns " : "", Mode & 2 ? "rows " : "", Rtl ? "rtl" : "ltr")
+                    << bool(Mode & 1) << bool(Mode & 2) << Rtl;
+    }
+    void gridLines()
+    {
+        QFETCH(bool, cols);
+        QFETCH(bool, rows);
+        QFETCH(bool, rtl);
+        auto Ds = Items(10);
+        Form F(Ds.get());
+        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgColLines | dgRowLines);
+        if (cols)
+            Options |= dgColLines;
+        if (rows)
+            Options |= dgRowLines;
+        F.Grid->SetOptions(Options);
+        if (rtl)
+            F.Grid->SetBiDiMode(bdRightToLeft);
+        QVERIFY(F.Show());
+        QStyleOptionViewItem Option;
+        Option.initFrom(F.Grid);
+        const QColor Line(QRgb(F.Grid->style()->styleHint(QStyle::SH_Table_GridLineColor, &Option, F.Grid)));
+        const QImage Image = F.Grid->viewport()->grab().toImage();
+        const QRect A = F.Grid->visualRect(F.Grid->model()->index(2, 0));
+        const QRect B = F.Grid->visualRect(F.Grid->model()->index(2, 1));
+        const QRect Below = F.Grid->visualRect(F.Grid->model()->index(3, 0));
+        auto LineBetween = [&](int From, int To, bool Vertical, int At) {
+            for (int P = std::min(From, To); P <= std::max(From, To); ++P)
+                if (Image.pixelColor(Vertical ? P : At, Vertical ? At : P) == Line)
+                    return true;
+            return false;
+        };
+        // Between the two cells of a row (B after A in the reading direction), and between rows.
+        QCOMPARE(LineBetween(rtl ? B.right() : A.right(), rtl ? A.left() : B.left(), true, A.top() + 2), cols);
+        QCOMPARE(LineBetween(A.bottom(), Below.top(), false, A.left() + 3), rows);
+
+        F.Grid->SetSelectedIndex(1);
+        QTest::keyClick(F.Grid, Qt::Key_F2);
+        QWidget* Editor = QApplication::focusWidget();
+        QVERIFY(F.Grid->EditorMode() && Editor);
+        QCOMPARE(Editor->geometry(), F.Grid->visualRect(F.Grid->currentIndex()));
     }
 
     void recordNumberTitle_data()

@@ -172,7 +172,10 @@ private Q_SLOTS:
         QCOMPARE(Tools->windowTitle(), toArabic ? QStringLiteral("التواريخ والمبالغ والتقريب") : QStringLiteral("Dates, amounts and rounding"));
         QVERIFY(m_window->windowTitle().startsWith(toArabic ? QStringLiteral("مبيعات كيش - ") : QStringLiteral("Kesh Sales - ")));
         QCOMPARE(TitleOf(m_window->Menu(QStringLiteral("File"))), toArabic ? QStringLiteral("ملف") : QStringLiteral("&File"));
-        QCOMPARE(m_window->Forms().first()->Action->text(), toArabic ? QStringLiteral("الإعدادات…") : QStringLiteral("&Settings…"));
+        const auto Settings_ = std::find_if(m_window->Forms().begin(), m_window->Forms().end(),
+                                            [](const Demo::TFormEntry* Entry) { return Entry->Name == QLatin1String("Settings"); });
+        QVERIFY(Settings_ != m_window->Forms().end());
+        QCOMPARE((*Settings_)->Action->text(), toArabic ? QStringLiteral("الإعدادات…") : QStringLiteral("&Settings…"));
         // A label of a form made in Designer follows its window.
         auto* Label = Settings->findChild<TQxLabel*>(QStringLiteral("lblCompanyE"));
         QVERIFY(Label);
