@@ -437,6 +437,7 @@ bool InvoiceForm::Save()
         }
         LoadLines(InvoiceId());
         ShowHeaderState();
+        Q_EMIT Changed(InvoiceId());
         return true;
     } catch (const EAbort&) {
         return false;
@@ -474,6 +475,7 @@ bool InvoiceForm::PostInvoice()
         return false;
     }
     ShowHeaderState();
+    Q_EMIT Changed(InvoiceId());
     return true;
 }
 
@@ -512,6 +514,7 @@ bool InvoiceForm::DeleteInvoice()
         return false;
     }
     m_linesDirty = false;
+    Q_EMIT Changed(Id);
     return NewInvoice();
 }
 

@@ -94,8 +94,8 @@ void TListForm::Open(TDataSet* DataSet, const TParts& Parts, std::initializer_li
         Column->GetTitle()->SetCaptionE(QLatin1String(C.TitleE));
     }
     // Browsing only: the card edits, the grid shows and moves.
-    // An insert started from the tool bar must outlive the grid's focus.
-    m_grid->SetOptions((m_grid->GetOptions() & ~(dgEditing | dgCancelOnExit)) | dgRowSelect | dgAlwaysShowSelection);
+    // An insert started from the tool bar must outlive the grid's focus; Tab goes on to the card.
+    m_grid->SetOptions((m_grid->GetOptions() & ~(dgEditing | dgCancelOnExit | dgTabs)) | dgRowSelect | dgAlwaysShowSelection);
     m_grid->SetReadOnly(true);
 
     // Binds the names the .ui gives (data source, footer) and starts the form manager.

@@ -336,6 +336,12 @@ void TMainWindow::RegisterForms()
     auto& Invoice = RegisterForm(Menu(QStringLiteral("Sales")), QStringLiteral("Invoice"),
                                  {QStringLiteral("فاتورة جديدة…"), QStringLiteral("&New invoice…")}, FormOf<InvoiceForm>(),
                                  QKeySequence(Qt::CTRL | Qt::Key_I));
+    // What an invoice changes shows at once on the start panel.
+    Invoice.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
+        auto* Form = new InvoiceForm(Context, Parent);
+        connect(Form, &InvoiceForm::Changed, this, &TMainWindow::RefreshStart);
+        return Form;
+    };
     // Beside the new invoice, one of the sample's invoices with several lines.
     Invoice.Shots = [](QWidget* Form, const QString& Folder, const QString& Lang) {
         auto* Shown = static_cast<InvoiceForm*>(Form);
@@ -359,8 +365,10 @@ void TMainWindow::RegisterForms()
     // The list opens its invoices in the invoice window.
     Invoices.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
         auto* List = new InvoiceListForm(Context, Parent);
-        List->OnOpenInvoice = [this](int InvId) {
+        List->OnOpenInvoice = [this, List](int InvId) {
             auto* Form = static_cast<InvoiceForm*>(OpenForm(QStringLiteral("Invoice")));
+            if (Form)
+                connect(Form, &InvoiceForm::Changed, List, &InvoiceListForm::Refresh, Qt::UniqueConnection);
             if (Form && InvId)
                 Form->OpenInvoice(InvId);
             else if (Form)

@@ -17,6 +17,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSqlDatabase>
+#include <QSignalSpy>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -390,7 +391,10 @@ private Q_SLOTS:
         QCOMPARE(Grid->DataSet()->RecordCount(), yes ? Lines - 1 : Lines);
         QCOMPARE(S.Form.Total(), std::round((yes ? Total - First : Total) * 100) / 100);
         QCOMPARE(S.Form.HasChanges(), yes);
+        QSignalSpy Changed(&S.Form, &InvoiceForm::Changed);
         QVERIFY(S.Form.Save());
+        QCOMPARE(Changed.size(), 1);
+        QCOMPARE(Changed[0][0].toInt(), InvId);
         QCOMPARE(LineCount(Db, InvId), yes ? Lines - 1 : Lines);
         QCOMPARE(Db.Scalar(QStringLiteral("SELECT Total FROM Invoices WHERE Inv_id = %1").arg(InvId)).toDouble(),
                  std::round((yes ? Total - First : Total) * 100) / 100);
