@@ -311,12 +311,15 @@ TFormEntry& TMainWindow::RegisterForm(QMenu* InMenu, const QString& Name, const 
     E.remove(QLatin1Char('&'));
     A.remove(QChar(0x2026)); // the ellipsis says "opens a window" in a menu, not on a button
     E.remove(QChar(0x2026));
-    SetBiCaption(Button, {A, E});
+    // The hot key shows on the button, so that the keyboard's way is seen. Left-to-right
+    // marks hold its signs to its letters: after an Arabic caption "Ctrl+," would read ",Ctrl+".
     if (!Keys.isEmpty()) {
-        const QString Hint = Keys.toString(QKeySequence::NativeText);
-        Button->SetHintA(A + QStringLiteral(" (") + Hint + QLatin1Char(')'));
-        Button->SetHintE(E + QStringLiteral(" (") + Hint + QLatin1Char(')'));
+        const QChar Ltr(0x200E);
+        const QString Key = QStringLiteral("   ") + Ltr + Keys.toString(QKeySequence::NativeText) + Ltr;
+        A += Key;
+        E += Key;
     }
+    SetBiCaption(Button, {A, E});
     Button->setMinimumHeight(32);
     Button->setFocusPolicy(Qt::StrongFocus);
     connect(Button, &QPushButton::clicked, this, [this, Name] { OpenForm(Name); });
