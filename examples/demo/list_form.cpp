@@ -83,11 +83,13 @@ void TListForm::Open(TDataSet* DataSet, const TParts& Parts, std::initializer_li
         B->SetFieldName_e(QLatin1String(C.FieldE));
         B->SetFieldName_a(QLatin1String(C.FieldA ? C.FieldA : C.FieldE));
         B->SetKeyboard(C.FieldA ? kxBiDiMode : kxSystem);
-        // Numbers end at the trailing side in both languages, ticks stand in the middle.
+        // Numbers end at the trailing side in both languages, ticks stand in the middle; a
+        // number shown as a name (a city by its key) reads as text.
         const TField* Field = DataSet->FindField(QLatin1String(C.FieldE));
-        const Qt::Alignment Align = qobject_cast<const TNumericField*>(Field) ? Qt::AlignRight
-                                    : qobject_cast<const TBooleanField*>(Field) ? Qt::AlignHCenter
-                                                                                : Qt::AlignLeft;
+        const bool Number = qobject_cast<const TNumericField*>(Field) && !Field->OnGetText;
+        const Qt::Alignment Align = qobject_cast<const TBooleanField*>(Field) ? Qt::AlignHCenter
+                                    : Number                                  ? Qt::AlignRight
+                                                                              : Qt::AlignLeft;
         B->SetAlign_a(Align);
         B->SetAlign_e(Align);
         Column->GetTitle()->SetCaptionA(QString::fromUtf16(C.TitleA));

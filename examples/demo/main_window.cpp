@@ -1,9 +1,9 @@
 #include "main_window.h"
+#include "customers_form.h"
 #include "invoice_form.h"
 #include "invoice_list_form.h"
-#include "sample_db.h"
-#include "customers_form.h"
 #include "items_form.h"
+#include "sample_db.h"
 #include "settings_form.h"
 #include "tools_form.h"
 
@@ -12,7 +12,6 @@
 #include <Kesh_Controls.h>
 
 #include <QAction>
-#include <cstdio>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
@@ -24,6 +23,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <cstdio>
 
 using namespace Kesh;
 
