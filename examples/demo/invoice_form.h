@@ -63,6 +63,10 @@ public:
     Kesh::TQxForm* Manager() const { return m_manager; }
     Demo::TDemoContext& Context() const { return m_context; }
 
+Q_SIGNALS:
+    /// The invoice InvId was written, posted or deleted.
+    void Changed(int InvId);
+
 protected:
     void closeEvent(QCloseEvent* Event) override;
     void changeEvent(QEvent* Event) override;

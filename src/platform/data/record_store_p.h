@@ -84,6 +84,14 @@ public:
         m_variants[R] = V;
     }
 
+    // Rows come in bulk (a chunk before this one is full): the arrays take the whole chunk
+    // at once instead of growing to it. Only before the first value.
+    void ReserveChunk()
+    {
+        if (m_kind == Empty)
+            m_capacity = Rows;
+    }
+
     // The chunk is full: give back what its text buffer reserved beyond its size.
     void Seal()
     {
@@ -361,6 +369,9 @@ private:
                 for (TColumnBlock& B : m_chunks.back())
                     B.Seal();
             m_chunks.emplace_back(size_t(m_columns));
+            if (m_chunks.size() > 1)
+                for (TColumnBlock& B : m_chunks.back())
+                    B.ReserveChunk();
             m_dead.emplace_back();
         }
         return Id;
