@@ -17,6 +17,7 @@
 #include <Kesh_dbControls.h>
 #include <Kesh_dbGrid.h>
 
+#include <QAbstractButton>
 #include <QBuffer>
 #include <QComboBox>
 #include <QImage>
@@ -247,6 +248,36 @@ private Q_SLOTS:
         QCOMPARE(Form.DataSet()->State(), dsBrowse);
         QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_a FROM Customers WHERE Cust_id = 5")).toString(), Arabic);
         QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_e FROM Customers WHERE Cust_id = 5")).toString(), English);
+    }
+
+    // F3 opens the calendar on the joining date; the next month picked there and OK: the
+    // card shows the day a month later, and Save writes it.
+    void pickJoinedDate()
+    {
+        QString Reason;
+        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
+        QVERIFY2(Db, qPrintable(Reason));
+        TSample Sample(*Db);
+        Demo::TCustomersForm Form(Sample.Context);
+        ShowForm(Form);
+        QVERIFY(Form.DataSet()->Locate(QStringLiteral("Cust_id"), 7));
+        const int Joined = Key(Form, "Joined");
+        W<QWidget>(Form, "xName_e")->setFocus();
+        KeshTest::DialogDriver Driver;
+        Driver.OnShown = [](QWidget* Calendar) { QTest::mouseClick(W<QWidget>(*Calendar, "btnNextMonth"), Qt::LeftButton); };
+        Driver.Click(QStringLiteral("btnOk"));
+        QTest::keyClick(W<QWidget>(Form, "xName_e"), Qt::Key_F3);
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(QLatin1Char('\n'))));
+        QCOMPARE(Driver.Seen.size(), 1);
+        QCOMPARE(Form.DataSet()->State(), dsEdit);
+        const int Month = Joined / 100 % 100;
+        const int Expected = (Joined / 10000 + (Month == 12 ? 1 : 0)) * 10000 + (Month % 12 + 1) * 100 + Joined % 100;
+        QCOMPARE(W<TQxdbEditButton>(Form, "xJoined")->Data(), TQxDateField::DateText(Expected));
+        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Joined);
+        ShowForm(Form);  // back to the front after the calendar, as a window manager does
+        QTest::keyClick(W<QWidget>(Form, "xJoined"), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Expected);
     }
 
     void insertCustomer_data() { KeshTest::AddDriverRows(); }
