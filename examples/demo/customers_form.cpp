@@ -32,7 +32,7 @@ TCustomersForm::TCustomersForm(TDemoContext& Context, QWidget* Parent)
         Ds->FieldByName(QStringLiteral("Credit_limit"))->SetAsFloat(0);
         Ds->FieldByName(QStringLiteral("Balance"))->SetAsFloat(0);
     };
-    // Both names are required: the question goes to the box that lacks one.
+    // Both names are required: the message gives the focus to the box that lacks one.
     Customers->BeforePost = [this](TDataSet* Ds) {
         const std::pair<const char*, TQxdbEdit*> Names[] = {{"Name_a", m_ui->xName_a}, {"Name_e", m_ui->xName_e}};
         for (const auto& [Field, Edit] : Names)
