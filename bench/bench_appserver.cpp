@@ -2,6 +2,7 @@
 // file) and on the PostgreSQL server of KESH_TEST_PG when it is set:
 //   read 10,000 rows          TClientDataSet over HTTP (open, every row)  vs QSqlQuery in-process
 //   apply 1,000 modified rows TClientDataSet::ApplyUpdates over HTTP      vs prepared UPDATEs in one transaction
+//                             (each the best of 5 runs of both)
 //   load                      20 clients x 100 requests of 20 rows: requests/s, 99th percentile,
 //                             errors, and the server's memory (VmRSS) after a second round
 //                             against the first; through nginx in front of two server
@@ -31,6 +32,7 @@ namespace {
 
 const int ReadRows = 10000;
 const int ModifiedRows = 1000;
+const int Rounds = 5;
 const int Clients = 20;
 const int RequestsPerClient = 100;
 const QString Token = QStringLiteral("bench-token-0123456789abcdef");
@@ -107,59 +109,71 @@ void ReadAndApply(const QString& Label, const QString& Cs, const QString& Table)
     Peer.SetConnectionString(Cs);
     Peer.Open();
 
+    // Each figure is the best of Rounds runs: the machine is shared, and the best run is
+    // the one least disturbed by others.
     QElapsedTimer T;
-    T.start();
-    qint64 Sum = 0;
-    {
-        QSqlQuery Q(Peer.Database());
-        Q.setForwardOnly(true);
-        Q.exec(QStringLiteral("SELECT Id, Name, Qty, Price FROM %1 ORDER BY Id").arg(Table));
-        while (Q.next())
-            Sum += Q.value(0).toLongLong() + Q.value(1).toString().size() + Q.value(2).toInt() + Q.value(3).toInt();
+    double PeerRead = 1e9, OurRead = 1e9;
+    qint64 Sum = 0, Sum2 = 0;
+    for (int Round = 0; Round < Rounds; ++Round) {
+        T.restart();
+        Sum = 0;
+        {
+            QSqlQuery Q(Peer.Database());
+            Q.setForwardOnly(true);
+            Q.exec(QStringLiteral("SELECT Id, Name, Qty, Price FROM %1 ORDER BY Id").arg(Table));
+            while (Q.next())
+                Sum += Q.value(0).toLongLong() + Q.value(1).toString().size() + Q.value(2).toInt() + Q.value(3).toInt();
+        }
+        PeerRead = std::min(PeerRead, Ms(T));
+        TClientDataSet Cds;
+        Cds.SetRemoteServer(&Web);
+        Cds.SetProviderName(QStringLiteral("Items"));
+        T.restart();
+        Cds.Open();
+        Cds.FetchAll();
+        Sum2 = 0;
+        for (int r = 0; r < Cds.FetchedRowCount(); ++r) {
+            Cds.SetActiveRow(r);
+            Sum2 += Cds.Fields()[0]->AsLargeInt() + Cds.Fields()[1]->AsString().size() + Cds.Fields()[2]->AsInteger() + Cds.Fields()[3]->AsInteger();
+        }
+        OurRead = std::min(OurRead, Ms(T));
     }
-    const double PeerRead = Ms(T);
-
-    TClientDataSet Cds;
-    Cds.SetRemoteServer(&Web);
-    Cds.SetProviderName(QStringLiteral("Items"));
-    T.restart();
-    Cds.Open();
-    Cds.FetchAll();
-    qint64 Sum2 = 0;
-    for (int r = 0; r < Cds.FetchedRowCount(); ++r) {
-        Cds.SetActiveRow(r);
-        Sum2 += Cds.Fields()[0]->AsLargeInt() + Cds.Fields()[1]->AsString().size() + Cds.Fields()[2]->AsInteger() + Cds.Fields()[3]->AsInteger();
-    }
-    const double OurRead = Ms(T);
-    std::printf("%-10s read %d rows:   server %8.1f ms   QSqlQuery in-process %8.1f ms   ratio %.2f (goal <= 3)%s\n",
-                qPrintable(Label), ReadRows, OurRead, PeerRead, OurRead / PeerRead, Sum == Sum2 ? "" : "  SUMS DIFFER");
+    std::printf("%-10s read %d rows:   server %8.1f ms   QSqlQuery in-process %8.1f ms   ratio %.2f (goal <= 3, best of %d)%s\n",
+                qPrintable(Label), ReadRows, OurRead, PeerRead, OurRead / PeerRead, Rounds, Sum == Sum2 ? "" : "  SUMS DIFFER");
 
     // 1,000 modified rows: the change log over HTTP against prepared UPDATEs in-process.
-    Cds.UpdateCursorPos();
-    Cds.First();
-    for (int i = 0; i < ModifiedRows; ++i, Cds.Next()) {
-        Cds.Edit();
-        Cds.Fields()[2]->SetAsInteger(Cds.Fields()[2]->AsInteger() + 1);
-        Cds.Post();
-    }
-    T.restart();
-    const int Errors = Cds.ApplyUpdates(0);
-    const double OurApply = Ms(T);
-    T.restart();
-    Peer.BeginTrans();
-    {
-        QSqlQuery Q(Peer.Database());
-        Q.prepare(QStringLiteral("UPDATE %1 SET Qty = ? WHERE Id = ?").arg(Table));
-        for (int i = 1; i <= ModifiedRows; ++i) {
-            Q.addBindValue(i % 97 + 2);
-            Q.addBindValue(i);
-            Q.exec();
+    double OurApply = 1e9, PeerApply = 1e9;
+    int Errors = 0, PeerErrors = 0;
+    for (int Round = 0; Round < Rounds; ++Round) {
+        TClientDataSet Cds;
+        Cds.SetRemoteServer(&Web);
+        Cds.SetProviderName(QStringLiteral("Items"));
+        Cds.Open();
+        for (int i = 0; i < ModifiedRows; ++i, Cds.Next()) {
+            Cds.Edit();
+            Cds.Fields()[2]->SetAsInteger(Cds.Fields()[2]->AsInteger() + 1);
+            Cds.Post();
         }
+        T.restart();
+        Errors += Cds.ApplyUpdates(0);
+        OurApply = std::min(OurApply, Ms(T));
+        T.restart();
+        Peer.BeginTrans();
+        {
+            QSqlQuery Q(Peer.Database());
+            Q.prepare(QStringLiteral("UPDATE %1 SET Qty = ? WHERE Id = ?").arg(Table));
+            for (int i = 1; i <= ModifiedRows; ++i) {
+                Q.addBindValue(i % 97 + 2 + Round);
+                Q.addBindValue(i);
+                if (!Q.exec())
+                    ++PeerErrors;
+            }
+        }
+        Peer.CommitTrans();
+        PeerApply = std::min(PeerApply, Ms(T));
     }
-    Peer.CommitTrans();
-    const double PeerApply = Ms(T);
-    std::printf("%-10s apply %d rows:  server %8.1f ms   prepared, one transaction %8.1f ms   ratio %.2f (goal <= 2), errors %d\n",
-                qPrintable(Label), ModifiedRows, OurApply, PeerApply, OurApply / PeerApply, Errors);
+    std::printf("%-10s apply %d rows:  server %8.1f ms   prepared, one transaction %8.1f ms   ratio %.2f (goal <= 2, best of %d), errors %d + %d\n",
+                qPrintable(Label), ModifiedRows, OurApply, PeerApply, OurApply / PeerApply, Rounds, Errors, PeerErrors);
     S.Stop();
 }
 

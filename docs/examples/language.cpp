@@ -7,14 +7,20 @@
 using namespace Kesh;
 
 //! [switch]
-// Switches the whole application: every managed form first, then the application.
+// Switches the whole application: every managed window first, then the application.
 void SwitchLanguage(TBiDiMode mode)
 {
-    if (Application()->BiDiMode() == mode)
-        return;                                    // only a real change (see the pitfalls)
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* manager = window->findChild<TQxForm*>(QString(), Qt::FindDirectChildrenOnly))
-            manager->SetLang(mode);                // caption, menus, mirrored children
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* manager = window->findChild<TQxForm*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!manager || manager->GetLanguage() == mode)
+            continue;                              // only a real change (see the pitfalls)
+        const bool visible = window->isVisible();
+        manager->DoSavePos();                      // the switch places the window again from
+        manager->DoSaveSize();                     // the settings file: keep where it is now
+        manager->SetLang(mode);                    // caption, menus, mirrored children
+        if (visible && !window->isVisible())
+            window->show();
+    }
     Application()->SetBiDiMode(mode);              // then everything else the library shows
 }
 //! [switch]

@@ -1,21 +1,23 @@
-// Kesh demo: shows the library at work in Arabic and English. Without a display it
-// renders every page in both languages to PNG files and exits.
-#include "demo_page.h"
-#include "demo_window.h"
-#include "entry_page.h"
+// Kesh Sales: a small bilingual sales application built on the Kesh components. It works on
+// an SQLite file of its own (created with sample data on the first start) or on the database
+// that --database names. Without a display it writes its screenshots and exits.
+#include "demo_context.h"
+#include "main_window.h"
+#include "sample_db.h"
+#include "screenshots.h"
 
 #include <Kesh.h>
-#include <KeshForm_AdoBrowser.h>
-#include <Kesh_Controls.h>
+#include <Kesh_AdoDB.h>
 
 #include <QApplication>
-#include <QDialog>
+#include <QCommandLineParser>
 #include <QDir>
-#include <QPointer>
-#include <QTabWidget>
-#include <QTimer>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <cstdio>
-#include <functional>
+#include <memory>
 
 using namespace Kesh;
 
@@ -27,159 +29,133 @@ bool HasDisplay()
         || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-QString ScreenshotFolder(int argc, char** argv)
+// The off-screen platform says so for every window that asks to be raised or sized by the
+// window system: no news in a screenshot run.
+QtMessageHandler PreviousHandler = nullptr;
+
+void QuietOffscreen(QtMsgType Type, const QMessageLogContext& Context, const QString& Message)
 {
-    for (int I = 1; I + 1 < argc; ++I)
-        if (qstrcmp(argv[I], "--screenshots") == 0)
-            return QString::fromLocal8Bit(argv[I + 1]);
-    return QString();
+    if (Type == QtWarningMsg && Message.startsWith(QLatin1String("This plugin does not support")))
+        return;
+    if (PreviousHandler)
+        PreviousHandler(Type, Context, Message);
+    else
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(Type, Context, Message)));
 }
 
-// Runs Show, which opens a modal dialog, saves the dialog to File once it is on screen and
-// closes it with "No" / "Cancel" (reject).
-bool SaveDialog(const QString& File, const std::function<void()>& Show)
+QString DefaultDatabase()
 {
-    bool Saved = false;
-    QPointer<QDialog> Seen;
-    QTimer Poll;
-    Poll.setInterval(50);
-    QObject::connect(&Poll, &QTimer::timeout, [&] {
-        auto* Dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!Dialog)
-            return;
-        if (Seen != Dialog) {  // let it lay itself out for one turn of the loop first
-            Seen = Dialog;
-            return;
-        }
-        Poll.stop();
-        Saved = Dialog->grab().save(File);
-        Dialog->reject();
-    });
-    Poll.start();
-    Show();
-    Poll.stop();
-    return Saved;
+    const QString Folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QDir().mkpath(Folder);
+    return QStringLiteral("Driver=QSQLITE;Database=") + QDir(Folder).filePath(QStringLiteral("kesh-sales.db"));
 }
 
-bool WriteDialogs(const QString& Folder, const QString& Lang)
+// The first start makes the sample database: a few seconds under a wait cursor, with a word
+// on the screen saying why.
+void EnsureSampleData(TQxAdoConnection& Conn, bool Quiet)
 {
-    const struct {
-        const char* Name;
-        std::function<void()> Show;
-    } Dialogs[] = {
-        {"dialog-info", [] { ShowMsg(BiStr(QStringLiteral("تم حفظ الفاتورة رقم 1024."), QStringLiteral("Invoice 1024 was saved."))); }},
-        {"dialog-error", [] { ShowError(BiStr(QStringLiteral("الرقم غير صحيح."), QStringLiteral("Incorrect number."))); }},
-        {"dialog-question", [] { Sure(BiStr(QStringLiteral("سيُحذف الصنف نهائياً."), QStringLiteral("The item will be deleted for good.")), false); }},
-        {"calendar", [] { int Day = 20261124; SelectDate(Day, false); }},
-        {"calendar-hijri", [] { int Day = 14480515; SelectDate(Day, true); }},
-    };
-    for (const auto& Dialog : Dialogs) {
-        const QString File = QDir(Folder).filePath(QString::fromLatin1(Dialog.Name) + QLatin1Char('-') + Lang + QStringLiteral(".png"));
-        if (!SaveDialog(File, Dialog.Show)) {
-            std::fprintf(stderr, "Cannot write %s\n", qPrintable(File));
-            return false;
-        }
-        std::printf("%s\n", qPrintable(File));
-    }
-    return true;
-}
-
-// The customer browser of the data-entry page with "a" typed, then its filter dialog.
-bool WriteBrowser(DemoWindow& Window, const QString& Folder, const QString& Lang)
-{
-    auto* Page = Window.findChild<EntryPage*>();
-    if (!Page)
-        return false;
-    QStringList Written;
-    QPointer<QDialog> Seen;
-    int Turns = 0;
-    QTimer Poll;
-    Poll.setInterval(50);
-    QObject::connect(&Poll, &QTimer::timeout, [&] {
-        auto* Dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!Dialog || (Dialog == Seen && ++Turns < 2))
-            return;
-        if (Dialog != Seen) {  // let it lay itself out first
-            Seen = Dialog;
-            Turns = 0;
-            if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog); Browser && Written.isEmpty())
-                Browser->F1->setText(BiStr(QStringLiteral("م"), QStringLiteral("a")));
-            return;
-        }
-        if (Written.size() == 2) {  // the browser again, after its filter
-            Poll.stop();
-            Dialog->reject();
-            return;
-        }
-        const QString File = QDir(Folder).filePath((Written.isEmpty() ? QStringLiteral("browser-") : QStringLiteral("browser-filter-"))
-                                                   + Lang + QStringLiteral(".png"));
-        if (Dialog->grab().save(File))
-            Written << File;
-        if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog))
-            QMetaObject::invokeMethod(Browser->btnFilter, "click", Qt::QueuedConnection);
-        else
-            Dialog->reject();
-        Seen = nullptr;
-    });
-    Poll.start();
-    Page->PickCustomer();
-    Poll.stop();
-    for (const QString& File : Written)
-        std::printf("%s\n", qPrintable(File));
-    return Written.size() == 2;
-}
-
-int WriteScreenshots(DemoWindow& Window, const QString& Folder)
-{
-    if (!QDir().mkpath(Folder)) {
-        std::fprintf(stderr, "Cannot create the folder %s\n", qPrintable(Folder));
-        return 1;
-    }
-    Window.show();
-    for (TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
-        Window.SetLanguage(Mode);
-        if (!Window.isVisible()) {
-            std::fprintf(stderr, "The window did not come back after the language switch\n");
-            return 1;
-        }
-        // The form manager puts the window back at its remembered placement when it shows it
-        // again after the switch; the screenshots are all taken at one size.
-        Window.resize(900, 640);
-        const QString Lang = Mode == bdRightToLeft ? QStringLiteral("ar") : QStringLiteral("en");
-        for (int I = 0; I < Window.Pages().size(); ++I) {
-            Window.Tabs()->setCurrentIndex(I);
+    if (Conn.TableExists(QStringLiteral("Customers")))
+        return;
+    std::unique_ptr<QLabel> Notice;
+    if (!Quiet) {
+        Notice = std::make_unique<QLabel>(BiStr(QStringLiteral("جارٍ إنشاء قاعدة البيانات التجريبية…"),
+                                                QStringLiteral("Creating the sample database…")));
+        Notice->setWindowFlags(Qt::SplashScreen);
+        Notice->setMargin(32);
+        Notice->show();
+        for (int I = 0; I < 3; ++I)
             QCoreApplication::processEvents();
-            const QString File = QDir(Folder).filePath(Window.Pages()[I]->PageName() + QLatin1Char('-') + Lang + QStringLiteral(".png"));
-            if (!Window.grab().save(File)) {
-                std::fprintf(stderr, "Cannot write %s\n", qPrintable(File));
-                return 1;
-            }
-            std::printf("%s\n", qPrintable(File));
-        }
-        if (!WriteDialogs(Folder, Lang))
-            return 1;
-        if (!WriteBrowser(Window, Folder, Lang)) {
-            std::fprintf(stderr, "Cannot write the browser's screenshots\n");
-            return 1;
-        }
     }
-    return 0;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QElapsedTimer Clock;
+    Clock.start();
+    try {
+        Demo::EnsureSampleDatabase(&Conn);
+    } catch (...) {
+        QApplication::restoreOverrideCursor();
+        throw;
+    }
+    QApplication::restoreOverrideCursor();
+    std::printf("Sample database created in %lld ms\n", static_cast<long long>(Clock.elapsed()));
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QString Folder = ScreenshotFolder(argc, argv);
-    if (!HasDisplay()) {
+    const bool Headless = !HasDisplay();
+    if (Headless) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        if (Folder.isEmpty())
-            Folder = QStringLiteral("screenshots");
+        PreviousHandler = qInstallMessageHandler(QuietOffscreen);
     }
     TQxApplication App(argc, argv);
-    DemoWindow Window;
-    if (!Folder.isEmpty())
-        return WriteScreenshots(Window, Folder);
+
+    QCommandLineParser Options;
+    Options.setApplicationDescription(QStringLiteral("Kesh Sales: a bilingual sales application built on Kesh."));
+    Options.addHelpOption();
+    const QCommandLineOption Database(QStringLiteral("database"),
+                                      QStringLiteral("The database, as a connection string: "
+                                                     "\"Driver=QPSQL;Host=127.0.0.1;Port=5432;Database=sales;User=me;Password=\". "
+                                                     "Default: an SQLite file in the application's data folder."),
+                                      QStringLiteral("connection"));
+    const QCommandLineOption Server(QStringLiteral("server"), QStringLiteral("The application server that serves the customers."),
+                                    QStringLiteral("url"));
+    const QCommandLineOption Token(QStringLiteral("token"), QStringLiteral("The token the application server expects."),
+                                   QStringLiteral("token"));
+    const QCommandLineOption Screenshots(QStringLiteral("screenshots"),
+                                         QStringLiteral("Write PNG screenshots of every window in both languages to the folder, "
+                                                        "on a fresh database, and exit (the default without a display: screenshots)."),
+                                         QStringLiteral("folder"));
+    const QCommandLineOption Language(QStringLiteral("lang"), QStringLiteral("Start in Arabic (ar) or English (en)."),
+                                      QStringLiteral("ar|en"));
+    Options.addOptions({Database, Server, Token, Screenshots, Language});
+    Options.process(App);
+
+    QString Folder = Options.value(Screenshots);
+    if (Headless && Folder.isEmpty())
+        Folder = QStringLiteral("screenshots");
+    const bool ShotRun = !Folder.isEmpty();
+    if (Options.isSet(Language) && Options.value(Language) != QLatin1String("ar") && Options.value(Language) != QLatin1String("en")) {
+        std::fprintf(stderr, "--lang takes ar or en\n");
+        return 2;
+    }
+
+    // A screenshot run starts from nothing: its own settings file and database, thrown away
+    // afterwards, so that what an earlier run left cannot change the pictures.
+    QTemporaryDir Scratch;
+    if (ShotRun) {
+        if (!Scratch.isValid()) {
+            std::fprintf(stderr, "Cannot make a temporary folder\n");
+            return 1;
+        }
+        ConfigFile = Scratch.filePath(QStringLiteral("kesh-demo.ini"));
+    }
+    QString ConnectionString = Options.value(Database);
+    if (ConnectionString.isEmpty())
+        ConnectionString = ShotRun ? QStringLiteral("Driver=QSQLITE;Database=") + Scratch.filePath(QStringLiteral("sales.db"))
+                                   : DefaultDatabase();
+
+    const QString Lang = Options.isSet(Language) ? Options.value(Language)
+                                                 : ReadSetting(QStringLiteral("MainWindow"), QStringLiteral("Language"), QStringLiteral("en")).toString();
+    Application()->SetBiDiMode(Lang == QLatin1String("ar") ? bdRightToLeft : bdLeftToRight);
+
+    TQxAdoConnection Conn;
+    Conn.setObjectName(QStringLiteral("SalesDB"));
+    try {
+        Conn.SetConnectionString(ConnectionString);
+        Conn.Open();
+        EnsureSampleData(Conn, ShotRun);
+    } catch (const Exception& E) {
+        std::fprintf(stderr, "%s\n", qPrintable(E.Message));
+        if (!ShotRun)
+            ShowError(E.Message);
+        return 1;
+    }
+
+    Demo::TDemoContext Context{&Conn, Options.value(Server), Options.value(Token)};
+    Demo::TMainWindow Window(Context);
+    if (ShotRun)
+        return Demo::WriteScreenshots(Window, Folder);
     Window.show();
     return App.exec();
 }

@@ -13,6 +13,7 @@
 #include <QCloseEvent>
 #include <QDialog>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QGuiApplication>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -53,6 +54,23 @@ QAction* FindMenuItem(const QWidget* Form, const QString& Name)
 bool IsSeparator(const QAction* Item)
 {
     return Item->isSeparator() || Item->text() == QLatin1String("-");
+}
+
+// The minimum size the program gave the form: the default size of a placement never saved.
+// A window's layout sets the window's minimum to its own; that is no constraint of the
+// program's, and taking it would open a form with a layout at its smallest (a main window
+// one menu bar high) until a size has been saved.
+QSize ConstrainedMinimum(const QWidget* Frame)
+{
+    QSize Minimum = Frame->minimumSize();
+    if (const QLayout* Layout = Frame->layout(); Layout && Layout->sizeConstraint() == QLayout::SetDefaultConstraint) {
+        const QSize Imposed = Layout->totalMinimumSize();
+        if (Minimum.width() == Imposed.width())
+            Minimum.setWidth(0);
+        if (Minimum.height() == Imposed.height())
+            Minimum.setHeight(0);
+    }
+    return Minimum;
 }
 
 QMdiSubWindow* SubWindowOf(const QWidget* Form)
@@ -537,9 +555,10 @@ void TQxForm::AdjustFormPos()
     int Left = Frame->x(), Top = Frame->y(), Width = Frame->width(), Height = Frame->height();
     if (d->Options.testFlag(FoSaveSize)) {
         // Only a real size replaces the current one; 0 (or a damaged value) keeps it.
-        if (const int W = ReadInt("Width", Frame->minimumWidth()); W > 0)
+        const QSize Minimum = ConstrainedMinimum(Frame);
+        if (const int W = ReadInt("Width", Minimum.width()); W > 0)
             Width = W;
-        if (const int H = ReadInt("Height", Frame->minimumHeight()); H > 0)
+        if (const int H = ReadInt("Height", Minimum.height()); H > 0)
             Height = H;
     }
     if (d->Options.testFlag(FoSavePosition)) {

@@ -478,7 +478,7 @@ void TQxCustomDBGrid::SetupColumnsWidths()
             F += C->GetWidth();
     }
     const int ClientWidth = width() - 2 * frameWidth()
-                            - (verticalScrollBar()->isVisible() ? verticalScrollBar()->width() : 0);
+                            - (verticalScrollBar()->isVisibleTo(this) ? verticalScrollBar()->width() : 0);
     int W = ClientWidth - F;
     if (d->Options & dgColLines)
         W -= 4 + Visible;

@@ -305,6 +305,41 @@ private slots:
         QVERIFY(!Form->isMaximized());
     }
 
+    void firstStartSize_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QSize>("expected");
+        QTest::newRow("widget with a layout") << 0 << QSize(400, 300);
+        QTest::newRow("main window with a menu bar") << 1 << QSize(400, 300);
+        QTest::newRow("minimum set by the program") << 2 << QSize(250, 180);
+    }
+
+    // With no size saved yet the form keeps the size it was made with; only a minimum the
+    // program set is taken, never the one a layout gives its window.
+    void firstStartSize()
+    {
+        QFETCH(int, kind);
+        QFETCH(QSize, expected);
+        std::unique_ptr<QWidget> Form;
+        if (kind == 1) {
+            auto* Main = new QMainWindow;
+            Main->menuBar()->addMenu(QStringLiteral("File"));
+            Main->setCentralWidget(new QLineEdit);
+            Form.reset(Main);
+        } else {
+            Form = std::make_unique<QWidget>();
+            (new QHBoxLayout(Form.get()))->addWidget(new QLineEdit);
+            if (kind == 2)
+                Form->setMinimumSize(250, 180);
+        }
+        Form->setObjectName(QStringLiteral("FormFirst"));
+        Form->resize(400, 300);
+        Loaded(Form.get(), FoSaveSize);
+        Form->show();
+        QVERIFY(QTest::qWaitForWindowExposed(Form.get()));
+        QCOMPARE(Form->size(), expected);
+    }
+
     void maximizedFormIsSavedAndRestored()
     {
         QSize Maximized;

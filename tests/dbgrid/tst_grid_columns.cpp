@@ -5,6 +5,7 @@
 #include "globals.h"
 #include "platform/exceptions.h"
 #include <QBuffer>
+#include <QScrollBar>
 #include <QTemporaryDir>
 
 using namespace Kesh;
@@ -99,6 +100,27 @@ private Q_SLOTS:
         QCOMPARE(A->GetWidth(), 100);
         QCOMPARE(B->GetWidth(), 300);
         QCOMPARE(Fixed->GetWidth(), 50);
+    }
+
+    // A grid laid out before its window shows leaves room for its vertical scroll bar: the
+    // auto-size column takes the rest, and no horizontal scroll bar appears.
+    void autoSizeLeavesRoomForTheScrollBar()
+    {
+        auto Ds = Items(100);
+        Form F(Ds.get());
+        TQxDBGridColumns* Cols = F.Grid->GetColumns();
+        Cols->Clear();
+        TQxColumn* Name = Cols->Add();
+        Name->SetFieldName(QStringLiteral("Name"));
+        TQxColumn* Id = Cols->Add();
+        Id->SetFieldName(QStringLiteral("Id"));
+        Id->SetWidth(50);
+        Name->SetAutoSize(true);
+        F.Grid->resize(400, 200);
+        QVERIFY(F.Show());
+        QVERIFY(F.Grid->verticalScrollBar()->isVisible());
+        QCOMPARE(F.Grid->horizontalScrollBar()->maximum(), 0);
+        QVERIFY(Name->GetWidth() > 200);
     }
 
     void illegalWidthsReported()

@@ -3,6 +3,7 @@
 #include "db_test_helper.h"
 #include "dialog_helper.h"
 #include "invoice_form.h"
+#include "invoice_list_form.h"
 #include "sample_db.h"
 
 #include <Kesh.h>
@@ -430,6 +431,54 @@ private Q_SLOTS:
                      == QLatin1String("Deliver by noon"),
                  saved);
         QCOMPARE(S.Form.HasChanges(), !closed);
+    }
+
+    void listShowsTheDates_data()
+    {
+        AddDrivers();
+        QTest::newRow("sqlite") << "sqlite";
+        QTest::newRow("postgres") << "postgres";
+    }
+    // The list holds the invoices of the dates asked, its footer their total; Enter and a
+    // double click open the invoice under the cursor.
+    void listShowsTheDates()
+    {
+        OPEN_DEMO_DB(Db);
+        const int To = Db.Scalar(QStringLiteral("SELECT MAX(Inv_date) FROM Invoices")).toInt();
+        const int From = DaysInc(To, -20);
+        const QString Range = QStringLiteral("Inv_date BETWEEN %1 AND %2").arg(From).arg(To);
+        const int Count = Db.Conn.DCount(QStringLiteral("Invoices"), Range);
+        QVERIFY(Count > 1);
+        const double Sum = Db.Scalar(QStringLiteral("SELECT SUM(Total) FROM Invoices WHERE ") + Range).toDouble();
+        const int Newest = Db.Scalar(QStringLiteral("SELECT MAX(Inv_id) FROM Invoices WHERE ") + Range).toInt();
+
+        Demo::TDemoContext Context{&Db.Conn, QString(), QString()};
+        InvoiceListForm List(Context);
+        QList<int> Opened;
+        List.OnOpenInvoice = [&](int Id) { Opened << Id; };
+        List.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&List));
+        auto* From_ = List.findChild<TQxEditButton*>(QStringLiteral("edbFrom"));
+        From_->selectAll();
+        Type(From_, TQxDateField::DateText(From));
+        QTest::mouseClick(List.findChild<QWidget*>(QStringLiteral("bbnShow")), Qt::LeftButton);
+        auto* Grid = List.findChild<TQxdbGrid*>(QStringLiteral("grdInvoices"));
+        Grid->DataSet()->Last();
+        Grid->DataSet()->First();
+        QCOMPARE(Grid->DataSet()->RecordCount(), Count);
+        QCOMPARE(List.CurrentInvoice(), Newest);
+        auto* Footer = List.findChild<TQxdbGridFooter*>(QStringLiteral("ftrInvoices"));
+        QTRY_VERIFY(Footer->TotalsReady());
+        QCOMPARE(Footer->Labels(4)->GetCaption(), FormatFloat(QStringLiteral("#,##0.00"), Sum));
+        Grid->setFocus();
+        QTest::keyClick(Grid, Qt::Key_Return);
+        QTest::keyClick(Grid, Qt::Key_Down);
+        const QRect Cell = Grid->visualRect(Grid->model()->index(1, 2));
+        QTest::mouseDClick(Grid->viewport(), Qt::LeftButton, {}, Cell.center());
+        QCOMPARE(Opened.size(), 2);
+        QCOMPARE(Opened[0], Newest);
+        QCOMPARE(Opened[1], Grid->DataSet()->FieldByName(QStringLiteral("Inv_id"))->AsInteger());
+        QVERIFY(Opened[1] < Newest);
     }
 
     void calendarChoice_data()

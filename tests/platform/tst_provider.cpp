@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QSqlQuery>
 #include <QtTest>
+#include <cmath>
 
 using namespace Kesh;
 
@@ -532,6 +533,14 @@ private Q_SLOTS:
         QTest::newRow("integer") << int(ftInteger) << QVariant(-7) << "-7";
         QTest::newRow("null integer") << int(ftInteger) << QVariant(QMetaType::fromType<int>()) << "null";
         QTest::newRow("Arabic text") << int(ftWideString) << QVariant(QStringLiteral("مرحبا")) << "\"مرحبا\"";
+        QTest::newRow("quotes, backslash, controls") << int(ftWideString) << QVariant(QStringLiteral("a\"b\\c\n\t\x01"))
+                                                     << "\"a\\\"b\\\\c\\n\\t\\u0001\"";
+        QTest::newRow("NUL and direction marks") << int(ftWideString) << QVariant(QString(QStringLiteral("x\u200Fس\u202E")) + QChar(0))
+                                                 << "\"x\u200Fس\u202E\\u0000\"";
+        QTest::newRow("float shortest") << int(ftFloat) << QVariant(0.1) << "0.1";
+        QTest::newRow("float large") << int(ftFloat) << QVariant(-1.5e300) << "-1.5e+300";
+        QTest::newRow("float NaN as text") << int(ftFloat) << QVariant(std::nan("")) << "\"NaN\"";
+        QTest::newRow("null text") << int(ftWideString) << QVariant(QMetaType::fromType<QString>()) << "null";
     }
     void values()
     {
@@ -543,8 +552,23 @@ private Q_SLOTS:
         QVariant Back;
         QVERIFY(DataPacket::DecodeValue(J, TFieldType(type), Back));
         QCOMPARE(Back.isNull(), value.isNull());
-        if (!value.isNull())
+        if (!value.isNull() && !(Back.metaType().id() == QMetaType::Double && std::isnan(Back.toDouble())))
             QCOMPARE(Back, value);
+        // The server's written packet reads as the one the document gives.
+        TDataPacket P;
+        TFieldDef F;
+        F.Name = QStringLiteral("V\"1");
+        F.DataType = TFieldType(type);
+        P.Fields.Append(F);
+        P.Rows = {{value}, {value}};
+        P.NextToken = QStringLiteral("k\"\\");
+        QByteArray Written("junk before");
+        DataPacket::WritePacket(P, Written);
+        QVERIFY(Written.startsWith("junk before"));
+        QJsonParseError Error;
+        const QJsonDocument Doc = QJsonDocument::fromJson(Written.mid(11), &Error);
+        QCOMPARE(Error.error, QJsonParseError::NoError);
+        QCOMPARE(Doc.object(), DataPacket::EncodePacket(P));
     }
 
     void badValues_data()

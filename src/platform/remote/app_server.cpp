@@ -63,7 +63,7 @@ bool DropDeadConnection(TDataSetProvider* P)
 const QStringList Calls{QStringLiteral("GetRecords"), QStringLiteral("ApplyUpdates"), QStringLiteral("Execute"),
                         QStringLiteral("GetParams"), QStringLiteral("RowRequest"), QStringLiteral("DataRequest")};
 
-int RunCall(TDataSetProvider* P, const QString& Call, const QJsonObject& Request, QJsonObject& Answer)
+int RunCall(TDataSetProvider* P, const QString& Call, const QJsonObject& Request, QJsonObject& Answer, QByteArray* Text)
 {
     QJsonValue OwnerData = Request.value(QStringLiteral("ownerData"));
     QString Error;
@@ -77,6 +77,15 @@ int RunCall(TDataSetProvider* P, const QString& Call, const QJsonObject& Request
             || (!Token.isUndefined() && !Token.isNull() && !Token.isString()))
             return Fail(Answer, 400, QStringLiteral("count must be an integer of -1 or more, token text"));
         const TDataPacket Packet = P->GetRecords(Count.isUndefined() ? -1 : Count.toInt(), Token.toString(), Params, OwnerData);
+        if (Text) {
+            DataPacket::WritePacket(Packet, *Text);
+            if (!OwnerData.isUndefined()) {  // {… ,"ownerData":value}
+                const QByteArray Value = QJsonDocument(QJsonArray{OwnerData}).toJson(QJsonDocument::Compact);
+                Text->chop(1);
+                *Text += ",\"ownerData\":" + Value.mid(1, Value.size() - 2) + '}';
+            }
+            return 200;
+        }
         Answer = DataPacket::EncodePacket(Packet);
     } else if (Call == QLatin1String("ApplyUpdates")) {
         TFieldDefs Fields;
@@ -126,8 +135,28 @@ int RunCall(TDataSetProvider* P, const QString& Call, const QJsonObject& Request
 
 } // namespace
 
+namespace {
+int DispatchTo(TCustomRemoteModule* Module, const QString& Provider, const QString& Call, const QJsonObject& Request,
+               QJsonObject& Answer, QByteArray* Text);
+}
+
 int TAppServer::Dispatch(TCustomRemoteModule* Module, const QString& Provider, const QString& Call,
                          const QJsonObject& Request, QJsonObject& Answer)
+{
+    return DispatchTo(Module, Provider, Call, Request, Answer, nullptr);
+}
+
+int TAppServer::Dispatch(TCustomRemoteModule* Module, const QString& Provider, const QString& Call,
+                         const QJsonObject& Request, QJsonObject& Answer, QByteArray& Text)
+{
+    Text.clear();
+    return DispatchTo(Module, Provider, Call, Request, Answer, &Text);
+}
+
+namespace {
+
+int DispatchTo(TCustomRemoteModule* Module, const QString& Provider, const QString& Call, const QJsonObject& Request,
+               QJsonObject& Answer, QByteArray* Text)
 {
     Answer = QJsonObject();
     if (!Module)
@@ -146,8 +175,10 @@ int TAppServer::Dispatch(TCustomRemoteModule* Module, const QString& Provider, c
     const bool Retryable = Call != QLatin1String("ApplyUpdates") && Call != QLatin1String("Execute");
     for (int Attempt = 0;; ++Attempt) {
         try {
-            return RunCall(P, Call, Request, Answer);
+            return RunCall(P, Call, Request, Answer, Text);
         } catch (const EProviderRequestError& E) {
+            if (Text)
+                Text->clear();
             return Fail(Answer, 400, E.Message);
         } catch (const Exception& E) {
             // A connection lost meanwhile (database restarted): connect again once for a read.
@@ -159,6 +190,8 @@ int TAppServer::Dispatch(TCustomRemoteModule* Module, const QString& Provider, c
         }
     }
 }
+
+} // namespace
 
 // ---- the server
 
@@ -272,7 +305,7 @@ void TAppServerPrivate::Serve(int Worker, const THttpRequest& Request, THttpRepl
         try {
             if (!modules[Worker] && factory)
                 modules[Worker].reset(factory());
-            Status = TAppServer::Dispatch(modules[Worker].get(), Provider, Call, Body, Answer);
+            Status = TAppServer::Dispatch(modules[Worker].get(), Provider, Call, Body, Answer, Reply.Body);
             if (Status == 200 && Call == QLatin1String("ProviderNames")) {
                 // Only the providers this client's token allows.
                 const QStringList* Providers = Allowed(Request.Authorization);
@@ -291,7 +324,8 @@ void TAppServerPrivate::Serve(int Worker, const THttpRequest& Request, THttpRepl
         }
     }
     Reply.Status = Status;
-    Reply.Body = QJsonDocument(Answer).toJson(QJsonDocument::Compact);
+    if (Status != 200 || Reply.Body.isEmpty())
+        Reply.Body = QJsonDocument(Answer).toJson(QJsonDocument::Compact);
 }
 
 TAppServer::TAppServer(QObject* Owner) : QObject(Owner), d(new TAppServerPrivate) {}

@@ -76,6 +76,10 @@ public:
     /// the HTTP status and the JSON answer ({"error": text} when not 200).
     static int Dispatch(TCustomRemoteModule* Module, const QString& Provider, const QString& Call,
                         const QJsonObject& Request, QJsonObject& Answer);
+    /// The same, but a packet of rows is written as JSON text into Text (left empty for
+    /// the other answers, which come in Answer).
+    static int Dispatch(TCustomRemoteModule* Module, const QString& Provider, const QString& Call,
+                        const QJsonObject& Request, QJsonObject& Answer, QByteArray& Text);
 
 private:
     std::unique_ptr<class TAppServerPrivate> const d;

@@ -324,6 +324,93 @@ QJsonObject EncodePacket(const TDataPacket& Packet)
     return O;
 }
 
+namespace {
+
+void WriteString(const QString& Text, QByteArray& Out)
+{
+    static const char Hex[] = "0123456789abcdef";
+    Out += '"';
+    for (const char C : Text.toUtf8()) {
+        const auto U = static_cast<unsigned char>(C);
+        if (C == '"' || C == '\\') {
+            Out += '\\';
+            Out += C;
+        } else if (U < 0x20) {
+            Out += "\\u00";
+            Out += Hex[U >> 4];
+            Out += Hex[U & 15];
+        } else {
+            Out += C;
+        }
+    }
+    Out += '"';
+}
+
+// A value as EncodeValue gives it, as JSON text.
+void WriteValue(const QVariant& Value, TFieldType Type, QByteArray& Out)
+{
+    if (!Value.isValid() || Value.isNull()) {
+        Out += "null";
+        return;
+    }
+    switch (KindOf(Type)) {
+    case kInteger:
+        Out += QByteArray::number(Value.toLongLong());
+        return;
+    case kBool:
+        Out += Value.toBool() ? "true" : "false";
+        return;
+    case kText:
+        WriteString(Value.metaType().id() == QMetaType::QString ? *static_cast<const QString*>(Value.constData())
+                                                                : Value.toString(),
+                    Out);
+        return;
+    default:
+        break;
+    }
+    const QJsonValue J = EncodeValue(Value, Type);
+    if (J.isString())
+        WriteString(J.toString(), Out);
+    else if (J.isDouble())
+        Out += QByteArray::number(J.toDouble(), 'g', QLocale::FloatingPointShortest);
+    else if (J.isBool())
+        Out += J.toBool() ? "true" : "false";
+    else
+        Out += "null";
+}
+
+} // namespace
+
+void WritePacket(const TDataPacket& Packet, QByteArray& Out)
+{
+    const TFieldDefs& Fields = Packet.Fields;
+    Out.reserve(Out.size() + 64 + qsizetype(Packet.Rows.size()) * Fields.Count() * 12);
+    Out += "{\"fields\":";
+    Out += QJsonDocument(EncodeFields(Fields, Packet.KeyFields)).toJson(QJsonDocument::Compact);
+    Out += ",\"next\":";
+    if (Packet.NextToken.isEmpty())
+        Out += "null";
+    else
+        WriteString(Packet.NextToken, Out);
+    Out += ",\"rows\":[";
+    QVector<TFieldType> Types;
+    for (const TFieldDef& F : Fields.Items())
+        Types << F.DataType;
+    for (qsizetype r = 0; r < Packet.Rows.size(); ++r) {
+        if (r)
+            Out += ',';
+        Out += '[';
+        const TRecordValues& Row = Packet.Rows[r];
+        for (int c = 0; c < Types.size(); ++c) {
+            if (c)
+                Out += ',';
+            WriteValue(Row.value(c), Types[c], Out);
+        }
+        Out += ']';
+    }
+    Out += "]}";
+}
+
 bool DecodePacket(const QJsonObject& Json, TDataPacket& Packet, QString& Error)
 {
     Packet = TDataPacket();

@@ -70,6 +70,9 @@ KESH_EXPORT QJsonArray EncodeRow(const TRecordValues& Row, const TFieldDefs& Fie
 KESH_EXPORT bool DecodeRow(const QJsonValue& Json, const TFieldDefs& Fields, TRecordValues& Row, QString& Error);
 
 KESH_EXPORT QJsonObject EncodePacket(const TDataPacket& Packet);
+/// The JSON text of EncodePacket(Packet) written straight from the values, without
+/// building the document (a server's answers of many rows), compact, appended to Out.
+KESH_EXPORT void WritePacket(const TDataPacket& Packet, QByteArray& Out);
 KESH_EXPORT bool DecodePacket(const QJsonObject& Json, TDataPacket& Packet, QString& Error);
 
 /// A change log: {"fields": [...], "rows": [{"kind": "modify", "old": [...], "new": [...]}]}.

@@ -94,7 +94,24 @@ public:
     void Exec(const QString& Sql);
     void NoteRefreshed(TApplyResult& Result, int Index, const TDeltaRecord& Row, const TFieldDefs& Fields,
                        const QVector<int>& Map, const TRecordValues& Sent);
+    bool WriteAll(TApplyResult& Result, QList<TDeltaRecord>& Delta, const TFieldDefs& Fields, const QVector<int>& Map,
+                  const QList<TRecordValues>& Sent);
 };
+
+// Every row of Delta without savepoints; false at the first that fails.
+bool TDataSetProviderPrivate::WriteAll(TApplyResult& Result, QList<TDeltaRecord>& Delta, const TFieldDefs& Fields,
+                                       const QVector<int>& Map, const QList<TRecordValues>& Sent)
+{
+    try {
+        for (int i = 0; i < Delta.size(); ++i) {
+            WriteRow(Delta[i], Map, updateMode);
+            NoteRefreshed(Result, i, Delta[i], Fields, Map, Sent.value(i));
+        }
+    } catch (const Exception&) {
+        return false;
+    }
+    return true;
+}
 
 // An applied insert or modify as the client should now hold it, when the options ask.
 void TDataSetProviderPrivate::NoteRefreshed(TApplyResult& Result, int Index, const TDeltaRecord& Row,
@@ -518,8 +535,24 @@ TApplyResult TDataSetProvider::ApplyUpdates(const TFieldDefs& Fields, QList<TDel
     TApplyResult Result;
     bool Abort = false;
     const QString Savepoint = QStringLiteral("kesh_row");
+    // Without per-row handlers a savepoint matters only when a row fails: the rows are
+    // written straight away, and at the first failure the transaction is rolled back and
+    // the delta applied again row by row under savepoints, as if nothing had been tried.
+    const bool Straight = OwnTransaction && !BeforeUpdateRecord && !AfterUpdateRecord;
+    bool Done = false;
     try {
-        for (int i = 0; i < Delta.size() && !Abort; ++i) {
+        if (Straight) {
+            const QList<TDeltaRecord> Original = Delta;
+            Done = d->WriteAll(Result, Delta, Fields, Map, Sent);
+            if (!Done) {
+                Conn->RollbackTrans();
+                d->statements.clear();
+                Delta = Original;
+                Result = TApplyResult();
+                Conn->BeginTrans();
+            }
+        }
+        for (int i = 0; !Done && i < Delta.size() && !Abort; ++i) {
             TDeltaRecord& Row = Delta[i];
             const TUpdateKind Kind = Row.UpdateKind;
             d->Exec(QStringLiteral("SAVEPOINT ") + Savepoint);

@@ -1,0 +1,354 @@
+// The customers and items forms of the demo, driven by keys and clicks on a fresh sample
+// database (SQLite and PostgreSQL): look-up with the browser, editing in the card, a new
+// record's key, the delete question, the footer's totals against the database, and the
+// refusal to close over unsaved changes.
+#include "customers_form.h"
+#include "demo_context.h"
+#include "items_form.h"
+#include "sample_db.h"
+
+#include "db_test_helper.h"
+#include "dialog_helper.h"
+
+#include <Kesh.h>
+#include <KeshForm_AdoBrowser.h>
+#include <Kesh_AdoDB.h>
+#include <Kesh_dbControls.h>
+#include <Kesh_dbGrid.h>
+
+#include <QBuffer>
+#include <QImage>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace Kesh;
+
+namespace {
+
+// The sample database with a few invoices, in a database of the test's own, and the
+// context the forms are given.
+struct TSample
+{
+    explicit TSample(const KeshTest::TTestDatabase& Db)
+    {
+        Conn.SetConnectionString(Db.ConnectionString());
+        Conn.Open();
+        Demo::EnsureSampleDatabase(&Conn, 300);
+        Context.Conn = &Conn;
+    }
+    QVariant Scalar(const QString& Sql) const
+    {
+        QSqlQuery Q(Conn.Database());
+        if (!Q.exec(Sql) || !Q.next()) {
+            qWarning("SQL failed: %s", qPrintable(Sql));
+            return QVariant();
+        }
+        return Q.value(0);
+    }
+    TQxAdoConnection Conn;
+    Demo::TDemoContext Context;
+};
+
+#define OPEN_SAMPLE_DB(Sample)          \
+    KESH_OPEN_PRIVATE_TEST_DB(Sample##Db); \
+    TSample Sample(*Sample##Db);
+
+// The child of Form of that name (made by the form's .ui), which the test needs.
+template <class T>
+T* W(QWidget& Form, const char* Name)
+{
+    T* Child = Form.findChild<T*>(QLatin1String(Name));
+    if (!Child)
+        qFatal("no %s named %s", T::staticMetaObject.className(), Name);
+    return Child;
+}
+
+int Key(Demo::TListForm& Form, const char* Field) { return Form.DataSet()->FieldByName(QLatin1String(Field))->AsInteger(); }
+
+// Shows a form as the application does and waits until it is on screen.
+void ShowForm(QWidget& Form)
+{
+    Form.show();
+    QApplication::setActiveWindow(&Form);
+    QVERIFY(QTest::qWaitForWindowActive(&Form));
+}
+
+// Key presses of each character of Text, Arabic as well (QTest::keyClicks takes Latin-1 only).
+void Type(QWidget* Widget, const QString& Text)
+{
+    for (const QChar C : Text) {
+        const int Code = C.isLetterOrNumber() && C.unicode() < 128 ? int(C.toUpper().unicode()) : int(Qt::Key_unknown);
+        QKeyEvent Press(QEvent::KeyPress, Code, Qt::NoModifier, QString(C));
+        QKeyEvent Release(QEvent::KeyRelease, Code, Qt::NoModifier, QString(C));
+        QApplication::sendEvent(Widget, &Press);
+        QApplication::sendEvent(Widget, &Release);
+    }
+}
+
+// Types Text into a data-aware edit as a user does: focus, select all, type.
+void Retype(QWidget* Edit, const QString& Text)
+{
+    Edit->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(Edit, Qt::Key_A, Qt::ControlModifier);
+    Type(Edit, Text);
+}
+
+QString Total(const TSample& Db, const QString& Expression, const QString& Table)
+{
+    return FormatFloat(QStringLiteral("#,##0.00"), Db.Scalar(QStringLiteral("SELECT SUM(%1) FROM %2").arg(Expression, Table)).toDouble());
+}
+
+QString FooterText(Demo::TListForm& Form, int Column) { return Form.Footer()->Labels(Column)->GetCaption(); }
+
+} // namespace
+
+class TestDemoLists : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { Application()->SetBiDiMode(bdLeftToRight); }
+    void cleanupTestCase() { Application()->SetBiDiMode(bdLeftToRight); }
+
+    void findWithBrowser_data()
+    {
+        QTest::addColumn<QString>("driver");
+        QTest::addColumn<bool>("arabic");
+        for (const char* Driver : {"sqlite", "postgres"})
+            for (bool Arabic : {false, true})
+                QTest::addRow("%s-%s", Driver, Arabic ? "ar" : "en") << QString::fromLatin1(Driver) << Arabic;
+    }
+    // F4, a prefix of a name typed into the quick search, Enter: the form is on the first
+    // customer of that prefix in the name order.
+    void findWithBrowser()
+    {
+        OPEN_SAMPLE_DB(Db);
+        QFETCH(bool, arabic);
+        Application()->SetBiDiMode(arabic ? bdRightToLeft : bdLeftToRight);
+        const QString Column = arabic ? QStringLiteral("Name_a") : QStringLiteral("Name_e");
+        const QString Name = Db.Scalar(QStringLiteral("SELECT %1 FROM Customers WHERE Cust_id = 217").arg(Column)).toString();
+        const QString Prefix = Name.left(4);
+        QSqlQuery Expected(Db.Context.Conn->Database());
+        QVERIFY(Expected.exec(QStringLiteral("SELECT Cust_id FROM Customers WHERE %1 LIKE '%2%' ORDER BY %1")
+                                  .arg(Column, QString(Prefix).replace(QLatin1Char('\''), QLatin1String("''")))));
+        QVERIFY(Expected.next());
+        const int Wanted = Expected.value(0).toInt();
+
+        Demo::TCustomersForm Form(Db.Context);
+        ShowForm(Form);
+        QCOMPARE(Key(Form, "Cust_id"), 1);
+        KeshTest::DialogDriver Driver;
+        QString Title;
+        Driver.OnShown = [&](QWidget* Dialog) {
+            Title = Dialog->windowTitle();
+            auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog);
+            QVERIFY(Browser);
+            Type(Browser->F1, Prefix);
+        };
+        Driver.Press(Qt::Key_Return);
+        QTest::keyClick(&Form, Qt::Key_F4);
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(QLatin1Char('\n'))));
+        QCOMPARE(Driver.Seen.size(), 1);
+        QCOMPARE(Title, arabic ? QStringLiteral("العملاء") : QStringLiteral("Customers"));
+        QCOMPARE(Key(Form, "Cust_id"), Wanted);
+        // The grid shows that row as its current one.
+        QCOMPARE(Form.Grid()->currentIndex().row(), Form.DataSet()->CurrentRow());
+    }
+
+    void editName_data() { KeshTest::AddDriverRows(); }
+    // A name changed in the card and saved with Ctrl+S is what the database holds.
+    void editName()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TCustomersForm Form(Db.Context);
+        ShowForm(Form);
+        Form.Grid()->setFocus();
+        for (int I = 0; I < 4; ++I)
+            QTest::keyClick(Form.Grid(), Qt::Key_Down);
+        QCOMPARE(Key(Form, "Cust_id"), 5);
+        QTest::keyClick(Form.Grid(), Qt::Key_Return);
+        QCOMPARE(QApplication::focusWidget(), W<QWidget>(Form, "xName_a"));
+        const QString Arabic = QStringLiteral("شركة الاختبار «الأولى»");
+        const QString English = QStringLiteral("O'Neil & Sons");
+        Retype(W<QWidget>(Form, "xName_a"), Arabic);
+        Retype(W<QWidget>(Form, "xName_e"), English);
+        QCOMPARE(Form.DataSet()->State(), dsEdit);
+        QTest::keyClick(W<QWidget>(Form, "xName_e"), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_a FROM Customers WHERE Cust_id = 5")).toString(), Arabic);
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_e FROM Customers WHERE Cust_id = 5")).toString(), English);
+    }
+
+    void insertCustomer_data() { KeshTest::AddDriverRows(); }
+    // Insert on the tool bar: the next key, today's date; Save writes the row; the footer
+    // counts it.
+    void insertCustomer()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TCustomersForm Form(Db.Context);
+        ShowForm(Form);
+        const int Count = Db.Scalar(QStringLiteral("SELECT COUNT(*) FROM Customers")).toInt();
+        const int Next = Db.Scalar(QStringLiteral("SELECT MAX(Cust_id) FROM Customers")).toInt() + 1;
+        QCOMPARE(Form.RecordCount(), Count);
+        QTest::mouseClick(W<QWidget>(Form, "btnAdd"), Qt::LeftButton);
+        QCOMPARE(Form.DataSet()->State(), dsInsert);
+        QCOMPARE(Key(Form, "Cust_id"), Next);
+        QCOMPARE(Key(Form, "Joined"), DateToInt(Date()));
+        // Saving without names is refused, with the reason, and nothing is written.
+        {
+            KeshTest::DialogDriver Driver;
+            Driver.Press(Qt::Key_Return);
+            QTest::mouseClick(W<QWidget>(Form, "btnSave"), Qt::LeftButton);
+            QCOMPARE(Driver.Seen.size(), 1);
+            QVERIFY2(Driver.Seen[0].Text.contains(QStringLiteral("name")), qPrintable(Driver.Seen[0].Text));
+        }
+        QCOMPARE(Form.DataSet()->State(), dsInsert);
+        Retype(W<QWidget>(Form, "xName_a"), QStringLiteral("عميل جديد"));
+        Retype(W<QWidget>(Form, "xName_e"), QStringLiteral("New customer"));
+        Retype(W<QWidget>(Form, "xCredit_limit"), QStringLiteral("2500.5"));
+        QTest::mouseClick(W<QWidget>(Form, "btnSave"), Qt::LeftButton);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_e FROM Customers WHERE Cust_id = %1").arg(Next)).toString(),
+                 QStringLiteral("New customer"));
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT Credit_limit FROM Customers WHERE Cust_id = %1").arg(Next)).toDouble(), 2500.5);
+        QCOMPARE(Form.RecordCount(), Count + 1);
+        QCOMPARE(FooterText(Form, 1), QStringLiteral("%1 customers").arg(Count + 1));
+    }
+
+    void deleteAsks_data() { KeshTest::AddDriverRows(); }
+    // Ctrl+Del asks first: No keeps the customer, Yes deletes it in the database.
+    void deleteAsks()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TCustomersForm Form(Db.Context);
+        ShowForm(Form);
+        QVERIFY(Form.DataSet()->Locate(QStringLiteral("Cust_id"), 42));
+        const int Count = Form.RecordCount();
+        for (const char* Answer : {"btnNo", "btnYes"}) {
+            ShowForm(Form);  // back to the front after the last question, as a window manager does
+            Form.Grid()->setFocus();
+            KeshTest::DialogDriver Driver;
+            Driver.Click(QLatin1String(Answer));
+            QTest::keyClick(Form.Grid(), Qt::Key_Delete, Qt::ControlModifier);
+            QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(QLatin1Char('\n'))));
+            QCOMPARE(Driver.Seen.size(), 1);
+            QVERIFY2(Driver.Seen[0].Text.endsWith(QStringLiteral("Delete this customer?")), qPrintable(Driver.Seen[0].Text));
+            const bool Deleted = qstrcmp(Answer, "btnYes") == 0;
+            QCOMPARE(Db.Scalar(QStringLiteral("SELECT COUNT(*) FROM Customers WHERE Cust_id = 42")).toInt(), Deleted ? 0 : 1);
+            QCOMPARE(Form.RecordCount(), Deleted ? Count - 1 : Count);
+        }
+        QVERIFY(Key(Form, "Cust_id") != 42);
+    }
+
+    void footerTotals_data() { KeshTest::AddDriverRows(); }
+    // After edits through the card the footer's totals are the database's sums.
+    void footerTotals()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TCustomersForm Form(Db.Context);
+        ShowForm(Form);
+        QTRY_VERIFY(Form.Footer()->TotalsReady());
+        QCOMPARE(FooterText(Form, 4), Total(Db, QStringLiteral("Credit_limit"), QStringLiteral("Customers")));
+        QCOMPARE(FooterText(Form, 5), Total(Db, QStringLiteral("Balance"), QStringLiteral("Customers")));
+        for (int Customer : {3, 150, 299}) {
+            QVERIFY(Form.DataSet()->Locate(QStringLiteral("Cust_id"), Customer));
+            Retype(W<QWidget>(Form, "xCredit_limit"), QString::number(Customer * 1000 + 0.25, 'f', 2));
+            QTest::keyClick(W<QWidget>(Form, "xCredit_limit"), Qt::Key_S, Qt::ControlModifier);
+            QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        }
+        QTRY_VERIFY(Form.Footer()->TotalsReady());
+        QCOMPARE(FooterText(Form, 4), Total(Db, QStringLiteral("Credit_limit"), QStringLiteral("Customers")));
+        QCOMPARE(FooterText(Form, 5), Total(Db, QStringLiteral("Balance"), QStringLiteral("Customers")));
+    }
+
+    void closeRefusedWhileEditing_data() { KeshTest::AddDriverRows(); }
+    // A typed change that is neither saved nor cancelled keeps the form open, with a message.
+    void closeRefusedWhileEditing()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TCustomersForm Form(Db.Context);
+        ShowForm(Form);
+        Retype(W<QWidget>(Form, "xPhone"), QStringLiteral("0500000000"));
+        {
+            KeshTest::DialogDriver Driver;
+            Driver.Press(Qt::Key_Return);
+            QVERIFY(!Form.close());
+            QCOMPARE(Driver.Seen.size(), 1);
+        }
+        QVERIFY(Form.isVisible());
+        // The window comes back to the front when the message closes, as a window manager does.
+        ShowForm(Form);
+        W<QWidget>(Form, "xPhone")->setFocus();
+        QTest::keyClick(W<QWidget>(Form, "xPhone"), Qt::Key_Escape);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        QVERIFY(Form.close());
+    }
+
+    void itemsStockValue_data() { KeshTest::AddDriverRows(); }
+    // A new price changes the item's stock value at once, and the footer's totals stay the
+    // database's sums of stock and of stock times price.
+    void itemsStockValue()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TItemsForm Form(Db.Context);
+        ShowForm(Form);
+        QTRY_VERIFY(Form.Footer()->TotalsReady());
+        const QString StockValue = QStringLiteral("Stock * Price");
+        QCOMPARE(FooterText(Form, 5), Total(Db, StockValue, QStringLiteral("Items")));
+        QVERIFY(Form.DataSet()->Locate(QStringLiteral("Item_id"), 7));
+        const int Stock = Key(Form, "Stock");
+        Retype(W<QWidget>(Form, "xPrice"), QStringLiteral("12.75"));
+        W<QWidget>(Form, "xStock")->setFocus();  // leaving the price writes it
+        QCOMPARE(Form.DataSet()->FieldByName(QStringLiteral("Stock_value"))->AsFloat(), Stock * 12.75);
+        Retype(W<QWidget>(Form, "xStock"), QString::number(Stock + 10));
+        QTest::keyClick(W<QWidget>(Form, "xStock"), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT Stock FROM Items WHERE Item_id = 7")).toInt(), Stock + 10);
+        QTRY_VERIFY(Form.Footer()->TotalsReady());
+        QCOMPARE(FooterText(Form, 5), Total(Db, StockValue, QStringLiteral("Items")));
+        QCOMPARE(FooterText(Form, 4), FormatFloat(QStringLiteral("#,##0"), Db.Scalar(QStringLiteral("SELECT SUM(Stock) FROM Items")).toDouble()));
+    }
+
+    void itemsPicture_data() { KeshTest::AddDriverRows(); }
+    // A picture loaded on an item is saved in its row; clearing it empties the column; a
+    // file that is no picture is refused with a message.
+    void itemsPicture()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TItemsForm Form(Db.Context);
+        ShowForm(Form);
+        QVERIFY(Form.DataSet()->Locate(QStringLiteral("Item_id"), 3));
+        QTemporaryDir Dir;
+        QImage Picture(40, 30, QImage::Format_RGB32);
+        Picture.fill(Qt::darkCyan);
+        const QString File = Dir.filePath(QStringLiteral("item.png"));
+        QVERIFY(Picture.save(File));
+        QVERIFY(Form.LoadPicture(File));
+        QVERIFY(!W<TQxdbImage>(Form, "xPhoto")->Picture().isNull());
+        QTest::keyClick(&Form, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        const QByteArray Stored = Db.Scalar(QStringLiteral("SELECT Photo FROM Items WHERE Item_id = 3")).toByteArray();
+        QVERIFY(Stored.startsWith("\x89PNG"));
+        QCOMPARE(QImage::fromData(Stored).size(), QSize(40, 30));
+
+        QTest::mouseClick(W<QWidget>(Form, "btnClearPhoto"), Qt::LeftButton);
+        QVERIFY(W<TQxdbImage>(Form, "xPhoto")->Picture().isNull());
+        QTest::keyClick(&Form, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(Db.Scalar(QStringLiteral("SELECT Photo FROM Items WHERE Item_id = 3")).isNull());
+
+        const QString Text = Dir.filePath(QStringLiteral("notes.png"));
+        QFile Notes(Text);
+        QVERIFY(Notes.open(QIODevice::WriteOnly));
+        Notes.write("not a picture");
+        Notes.close();
+        KeshTest::DialogDriver Driver;
+        Driver.Press(Qt::Key_Return);
+        QVERIFY(!Form.LoadPicture(Text));
+        QCOMPARE(Driver.Seen.size(), 1);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+    }
+};
+
+QTEST_MAIN(TestDemoLists)
+#include "tst_demo_lists.moc"
