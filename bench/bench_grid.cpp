@@ -179,8 +179,8 @@ int RunCase(const QString& Case, const QString& File)
             Bare.exec(QStringLiteral("UPDATE Items SET Qty = Qty + 1 WHERE Item_id = 2"));
             const double BareMs = BareTimer.nsecsElapsed() / 1e6;
             Extra = Before + QStringLiteral(" -> ") + G.Footer->Labels(3)->GetCaption()
-                    + QStringLiteral(" (the post itself: %1 ms, of which a bare one-row UPDATE on this database"
-                                     " takes %2 ms; rows read %3)")
+                    + QStringLiteral(" (the post itself: %1 ms; the same kind of one-row UPDATE run bare on this"
+                                     " connection: %2 ms; rows read %3)")
                           .arg(PostMs, 0, 'f', 1).arg(BareMs, 0, 'f', 1).arg(G.Query.FetchedRowCount());
         }
     } else {

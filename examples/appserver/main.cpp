@@ -1,13 +1,16 @@
-// kesh-appserver: an application server for the demo's database. Clients reach its
-// providers "Customers" and "Items" over HTTP with a bearer token:
+// kesh-appserver: an application server for the demo's database (made with its sample rows
+// when the database has none). Clients reach its providers "Customers" (every column, to
+// read and edit), "Cities" and "Items" over HTTP with a bearer token:
 //
 //   kesh-appserver [--database FILE | --connection "Driver=QPSQL;Host=…"] [--address 127.0.0.1]
 //                  [--port 8211] [--workers 4] [--token TEXT] [--cert FILE --key FILE]
 //
 // Without --token a random one is made and printed. "Items" takes the lowest price as its
 // one placeholder (:P1), set by the module's own code from the client's typed parameter.
+// A customer inserted without a number gets the next one here, and the client gets it back.
 #include <Kesh_AdoDB.h>
 #include "platform/remote/app_server.h"
+#include "demo_module.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -23,51 +26,6 @@ namespace {
 
 volatile std::sig_atomic_t Stopping = 0;
 
-// One module per worker: its own connection and a provider list with the two queries.
-class TDemoModule : public TRemoteDataModule
-{
-public:
-    explicit TDemoModule(const QString& ConnectionString)
-    {
-        auto* Conn = new TQxAdoConnection(this);
-        Conn->SetConnectionString(ConnectionString);
-        auto* List = new TQxProviderList(this);
-        TQxProviderItem* Customers = List->Providers()->Add();
-        Customers->SetName(QStringLiteral("Customers"));
-        Customers->SetCommandText(QStringLiteral("select Cust_id, Name_a, Name_e, Balance from Customers order by Cust_id"));
-        TQxProviderItem* Items = List->Providers()->Add();
-        Items->SetName(QStringLiteral("Items"));
-        Items->SetCommandText(QStringLiteral("select Code, Name_a, Name_e, Price from Items where Price >= :P1 order by Code"));
-        Items->SetDefaultValues(QStringLiteral("0"));
-        // The client's typed value is validated as a number before it becomes text.
-        List->BeforeGetRecords = [List](QObject* Sender, QJsonValue& OwnerData) {
-            if (Sender->objectName() == QLatin1String("Items") && OwnerData.isDouble())
-                List->SetParams(QStringLiteral("Items"), QString::number(OwnerData.toDouble(), 'f', 2));
-        };
-        List->SetConnection(Conn);
-    }
-};
-
-void CreateDemoDatabase(const QString& ConnectionString)
-{
-    TQxAdoConnection Conn;
-    Conn.SetConnectionString(ConnectionString);
-    Conn.Open();
-    if (Conn.TableExists(QStringLiteral("Customers")))
-        return;
-    Conn.Exec(QStringLiteral(
-        "CREATE TABLE Customers (Cust_id INTEGER PRIMARY KEY, Name_a VARCHAR(60), Name_e VARCHAR(60), Balance NUMERIC(12,2));"
-        "CREATE TABLE Items (Code VARCHAR(10) PRIMARY KEY, Name_a VARCHAR(60), Name_e VARCHAR(60), Price NUMERIC(12,2));"
-        "INSERT INTO Customers VALUES (1, 'شركة النور للتجارة', 'Al Noor Trading', 1250.50);"
-        "INSERT INTO Customers VALUES (2, 'مؤسسة الأمل', 'Al Amal Est.', 830.00);"
-        "INSERT INTO Customers VALUES (3, 'مكتبة المعرفة', 'Knowledge Bookshop', 0);"
-        "INSERT INTO Items VALUES ('P7', 'قلم حبر', 'Ink pen', 12.75);"
-        "INSERT INTO Items VALUES ('P8', 'دفتر', 'Notebook', 8.25);"
-        "INSERT INTO Items VALUES ('P9', 'حقيبة', 'Bag', 95.00)"));
-    if (!Conn.ErrorMessage().isEmpty())
-        throw EDatabaseError(Conn.ErrorMessage());
-}
-
 } // namespace
 
 int main(int argc, char* argv[])
@@ -78,7 +36,7 @@ int main(int argc, char* argv[])
     Args.setApplicationDescription(QStringLiteral("Kesh application server for the demo database"));
     Args.addHelpOption();
     const QString DemoDb = QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
-                               .filePath(QStringLiteral("kesh-demo/kesh-demo.db"));
+                               .filePath(QStringLiteral("kesh-demo/kesh-sales.db"));  // the demo's own
     Args.addOptions({{QStringLiteral("database"), QStringLiteral("SQLite file (the demo's by default)."), QStringLiteral("file"), DemoDb},
                      {QStringLiteral("connection"), QStringLiteral("A full connection string instead."), QStringLiteral("text")},
                      {QStringLiteral("address"), QStringLiteral("Address to listen on."), QStringLiteral("ip"), QStringLiteral("127.0.0.1")},
@@ -101,14 +59,14 @@ int main(int argc, char* argv[])
 
     TAppServer Server;
     try {
-        CreateDemoDatabase(ConnectionString);
+        Demo::CreateServerDatabase(ConnectionString);
         Server.SetAddress(Args.value(QStringLiteral("address")));
         Server.SetPort(Args.value(QStringLiteral("port")).toInt());
         Server.SetWorkers(Args.value(QStringLiteral("workers")).toInt());
         Server.SetCertificateFile(Args.value(QStringLiteral("cert")));
         Server.SetPrivateKeyFile(Args.value(QStringLiteral("key")));
         Server.AddToken(Token, {QStringLiteral("*")});
-        Server.ModuleFactory = [ConnectionString] { return new TDemoModule(ConnectionString); };
+        Server.ModuleFactory = [ConnectionString] { return new Demo::TDemoModule(ConnectionString); };
         Server.Start();
     } catch (const Exception& E) {
         std::fprintf(stderr, "kesh-appserver: %s\n", qPrintable(E.Message));

@@ -25,7 +25,7 @@ TCustomersForm::TCustomersForm(TDemoContext& Context, QWidget* Parent)
     PrepareFields(Customers);
     // A new customer: the next key, active, joined today, no credit and no balance yet.
     Customers->OnNewRecord = [this](TDataSet* Ds) {
-        if (m_context.Conn)
+        if (m_context.Conn && !m_context.Remote())  // the server numbers its own
             Ds->FieldByName(QStringLiteral("Cust_id"))->SetAsInteger(NextId(m_context.Conn, QStringLiteral("Customers"), QStringLiteral("Cust_id")));
         Ds->FieldByName(QStringLiteral("Active"))->SetAsBoolean(true);
         Ds->FieldByName(QStringLiteral("Joined"))->SetAsInteger(DateToInt(Date()));
@@ -61,10 +61,11 @@ TCustomersForm::TCustomersForm(TDemoContext& Context, QWidget* Parent)
           {"Balance", nullptr, u"الرصيد", "Balance", 110, true},
           {"Joined", nullptr, u"الانضمام", "Joined", 85},
           {"Active", nullptr, u"فعال", "Active", 50}},
-         {{"Name_e", "Name_a", u"الاسم", "Name", 30},
-          {"Cust_id", nullptr, u"الرقم", "No.", 8},
-          {"Phone", nullptr, u"الهاتف", "Phone", 12},
-          {"Joined", nullptr, u"تاريخ الانضمام", "Joined", 12, true}},
+         // The key is read back but not shown: the names, phones and dates need the room.
+         {{"Name_e", "Name_a", u"الاسم", "Name", 26},
+          {"Cust_id", nullptr, u"الرقم", "No.", 0},
+          {"Phone", nullptr, u"الهاتف", "Phone", 14},
+          {"Joined", nullptr, u"الانضمام", "Joined", 12, true}},
          QStringLiteral("العملاء"), QStringLiteral("Customers"));
 }
 

@@ -437,6 +437,7 @@ bool InvoiceForm::Save()
         }
         LoadLines(InvoiceId());
         ShowHeaderState();
+        Q_EMIT Changed(InvoiceId());
         return true;
     } catch (const EAbort&) {
         return false;
@@ -474,6 +475,7 @@ bool InvoiceForm::PostInvoice()
         return false;
     }
     ShowHeaderState();
+    Q_EMIT Changed(InvoiceId());
     return true;
 }
 
@@ -512,6 +514,7 @@ bool InvoiceForm::DeleteInvoice()
         return false;
     }
     m_linesDirty = false;
+    Q_EMIT Changed(Id);
     return NewInvoice();
 }
 
@@ -799,9 +802,11 @@ void InvoiceForm::ShowTotal()
     const int Cents = int(qRound64(Value * 100) % 100);
     const QStringList Arabic = CurrencyNames(true);
     const QStringList English = CurrencyNames(false);
-    QString WordsA = NumberToWords(Amount, Arabic.mid(0, 4)).trimmed();
-    QString WordsE = Trim(NumberToWordsE(Amount));
     const qint64 Whole = qint64(Value);
+    // The word routines name no number for nothing: "zero" is said here.
+    QString WordsA = Whole ? NumberToArabicWords(Amount, Arabic.mid(0, 4)).trimmed()
+                           : QStringLiteral("صفر ") + Arabic.first();
+    QString WordsE = Trim(NumberToWordsE(Amount));
     WordsE = (WordsE.isEmpty() ? QStringLiteral("Zero") : WordsE) + QLatin1Char(' ') + EnglishName(English.first(), Whole);
     if (Cents) {
         WordsA += QStringLiteral(" و%1 %2").arg(Cents).arg(Arabic.at(4));

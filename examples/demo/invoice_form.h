@@ -61,6 +61,11 @@ public:
     bool IsPosted() const;
 
     Kesh::TQxForm* Manager() const { return m_manager; }
+    Demo::TDemoContext& Context() const { return m_context; }
+
+Q_SIGNALS:
+    /// The invoice InvId was written, posted or deleted.
+    void Changed(int InvId);
 
 protected:
     void closeEvent(QCloseEvent* Event) override;

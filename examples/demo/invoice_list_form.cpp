@@ -66,6 +66,8 @@ InvoiceListForm::InvoiceListForm(Demo::TDemoContext& Context, QWidget* Parent)
     // The footer totals a bound column: the fields are bound once the invoices are read.
     m_ui->grdInvoices->GetColumns()->Items(4)->SetTotalValue(true);
     m_ui->ftrInvoices->CalcColumnsTotal();
+    // The window opens on the list, where Enter opens an invoice.
+    m_ui->grdInvoices->setFocus();
     Retranslate();
 }
 

@@ -42,7 +42,7 @@ TItemsForm::TItemsForm(TDemoContext& Context, QWidget* Parent) : TListForm(Conte
           {"Active", nullptr, u"فعال", "Active", 50}},
          {{"Name_e", "Name_a", u"الاسم", "Name", 30},
           {"Code", nullptr, u"الرمز", "Code", 10},
-          {"Item_id", nullptr, u"الرقم", "No.", 8}},
+          {"Item_id", nullptr, u"الرقم", "No.", 0}},
          QStringLiteral("الأصناف"), QStringLiteral("Items"));
 }
 

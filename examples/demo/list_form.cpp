@@ -1,17 +1,21 @@
 #include "list_form.h"
 #include "demo_context.h"
+#include "screenshots.h"
 
 #include <Kesh.h>
+#include <KeshForm_AdoBrowser.h>
 #include <Kesh_AdoDB.h>
 #include <Kesh_Controls.h>
 #include <Kesh_dbControls.h>
 #include <Kesh_dbGrid.h>
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QKeyEvent>
 #include <QSqlDriver>
 #include <QStyle>
 #include <QTimer>
+#include <cstdio>
 
 using namespace Kesh;
 
@@ -79,12 +83,21 @@ void TListForm::Open(TDataSet* DataSet, const TParts& Parts, std::initializer_li
         B->SetFieldName_e(QLatin1String(C.FieldE));
         B->SetFieldName_a(QLatin1String(C.FieldA ? C.FieldA : C.FieldE));
         B->SetKeyboard(C.FieldA ? kxBiDiMode : kxSystem);
+        // Numbers end at the trailing side in both languages, ticks stand in the middle; a
+        // number shown as a name (a city by its key) reads as text.
+        const TField* Field = DataSet->FindField(QLatin1String(C.FieldE));
+        const bool Number = qobject_cast<const TNumericField*>(Field) && !Field->OnGetText;
+        const Qt::Alignment Align = qobject_cast<const TBooleanField*>(Field) ? Qt::AlignHCenter
+                                    : Number                                  ? Qt::AlignRight
+                                                                              : Qt::AlignLeft;
+        B->SetAlign_a(Align);
+        B->SetAlign_e(Align);
         Column->GetTitle()->SetCaptionA(QString::fromUtf16(C.TitleA));
         Column->GetTitle()->SetCaptionE(QLatin1String(C.TitleE));
     }
     // Browsing only: the card edits, the grid shows and moves.
-    // An insert started from the tool bar must outlive the grid's focus.
-    m_grid->SetOptions((m_grid->GetOptions() & ~(dgEditing | dgCancelOnExit)) | dgRowSelect | dgAlwaysShowSelection);
+    // An insert started from the tool bar must outlive the grid's focus; Tab goes on to the card.
+    m_grid->SetOptions((m_grid->GetOptions() & ~(dgEditing | dgCancelOnExit | dgTabs)) | dgRowSelect | dgAlwaysShowSelection);
     m_grid->SetReadOnly(true);
 
     // Binds the names the .ui gives (data source, footer) and starts the form manager.
@@ -165,6 +178,30 @@ bool TListForm::Find()
         ShowError(E.Message);
     }
     return false;
+}
+
+bool TListForm::SaveBrowserShots(QWidget* Form, const QString& Folder, const QString& Lang)
+{
+    auto* List = qobject_cast<TListForm*>(Form);
+    if (!List || !List->Browser())
+        return false;
+    QStringList Files;
+    for (const char* Name : {"browser-", "browser-filter-"})
+        Files << QDir(Folder).filePath(QLatin1String(Name) + Lang + QStringLiteral(".png"));
+    const bool Saved = SaveDialogChain(
+        Files, [List] { List->Find(); },
+        [](QDialog* Dialog, int Index) {
+            if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog); Browser && Index == 0)
+                Browser->F1->setText(BiStr(QStringLiteral("م"), QStringLiteral("Al")));
+        },
+        [](QDialog* Dialog, int) {
+            if (auto* Browser = qobject_cast<TAdoBrowserForm*>(Dialog))
+                QMetaObject::invokeMethod(Browser->btnFilter, "click", Qt::QueuedConnection);
+        });
+    if (Saved)
+        for (const QString& File : std::as_const(Files))
+            std::printf("%s\n", qPrintable(File));
+    return Saved;
 }
 
 // The count comes from the database while rows remain unread, so that opening the form does

@@ -67,6 +67,10 @@ public:
     /// The number of records as the footer shows it.
     int RecordCount() const { return m_count; }
 
+    /// Saves the browser of a list form with a search typed ("browser-" + Lang + ".png") and
+    /// its filter dialog ("browser-filter-…") into Folder, printing the paths.
+    static bool SaveBrowserShots(QWidget* Form, const QString& Folder, const QString& Lang);
+
 protected:
     TListForm(TDemoContext& Context, QWidget* Parent);
 

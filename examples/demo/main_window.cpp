@@ -1,5 +1,8 @@
 #include "main_window.h"
-#include "demo_window.h"
+#include "customers_form.h"
+#include "invoice_form.h"
+#include "invoice_list_form.h"
+#include "items_form.h"
 #include "sample_db.h"
 #include "settings_form.h"
 #include "tools_form.h"
@@ -13,12 +16,14 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDate>
+#include <QDir>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <cstdio>
 
 using namespace Kesh;
 
@@ -133,8 +138,8 @@ TMainWindow::TMainWindow(TDemoContext& Context, QWidget* Parent) : QMainWindow(P
     setMinimumSize(800, 560);
     d->Manager = new TQxForm(this, QStringLiteral("QxForm1"));
     d->Manager->SetOptions(FoSavePosition | FoSaveSize);
-    // With nothing remembered the manager sizes the window to its minimum size, which Qt's
-    // layouts give every window: on the first run the default size is remembered instead.
+    // With nothing remembered the manager opens the window at its minimum size: on the
+    // first run the default size is remembered instead.
     const QString Section = objectName() + QLatin1Char('.') + d->Manager->objectName();
     if (ReadSetting(Section, QStringLiteral("Width"), QString()).toString().isEmpty()) {
         SaveSetting(Section, QStringLiteral("Width"), width());
@@ -306,12 +311,15 @@ TFormEntry& TMainWindow::RegisterForm(QMenu* InMenu, const QString& Name, const 
     E.remove(QLatin1Char('&'));
     A.remove(QChar(0x2026)); // the ellipsis says "opens a window" in a menu, not on a button
     E.remove(QChar(0x2026));
-    SetBiCaption(Button, {A, E});
+    // The hot key shows on the button, so that the keyboard's way is seen. Left-to-right
+    // marks hold its signs to its letters: after an Arabic caption "Ctrl+," would read ",Ctrl+".
     if (!Keys.isEmpty()) {
-        const QString Hint = Keys.toString(QKeySequence::NativeText);
-        Button->SetHintA(A + QStringLiteral(" (") + Hint + QLatin1Char(')'));
-        Button->SetHintE(E + QStringLiteral(" (") + Hint + QLatin1Char(')'));
+        const QChar Ltr(0x200E);
+        const QString Key = QStringLiteral("   ") + Ltr + Keys.toString(QKeySequence::NativeText) + Ltr;
+        A += Key;
+        E += Key;
     }
+    SetBiCaption(Button, {A, E});
     Button->setMinimumHeight(32);
     Button->setFocusPolicy(Qt::StrongFocus);
     connect(Button, &QPushButton::clicked, this, [this, Name] { OpenForm(Name); });
@@ -322,6 +330,55 @@ TFormEntry& TMainWindow::RegisterForm(QMenu* InMenu, const QString& Name, const 
 
 void TMainWindow::RegisterForms()
 {
+    // The forms of the application, one RegisterForm each; the start panel's buttons follow this order.
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Customers"), {QStringLiteral("العملاء"), QStringLiteral("&Customers")},
+                 FormOf<TCustomersForm>(), QKeySequence(Qt::CTRL | Qt::Key_1))
+        .Shots = &TListForm::SaveBrowserShots;
+    RegisterForm(Menu(QStringLiteral("Lists")), QStringLiteral("Items"), {QStringLiteral("الأصناف"), QStringLiteral("&Items")},
+                 FormOf<TItemsForm>(), QKeySequence(Qt::CTRL | Qt::Key_2));
+    auto& Invoice = RegisterForm(Menu(QStringLiteral("Sales")), QStringLiteral("Invoice"),
+                                 {QStringLiteral("فاتورة جديدة…"), QStringLiteral("&New invoice…")}, FormOf<InvoiceForm>(),
+                                 QKeySequence(Qt::CTRL | Qt::Key_I));
+    // What an invoice changes shows at once on the start panel.
+    Invoice.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
+        auto* Form = new InvoiceForm(Context, Parent);
+        connect(Form, &InvoiceForm::Changed, this, &TMainWindow::RefreshStart);
+        return Form;
+    };
+    // Beside the new invoice, one of the sample's invoices with several lines.
+    Invoice.Shots = [](QWidget* Form, const QString& Folder, const QString& Lang) {
+        auto* Shown = static_cast<InvoiceForm*>(Form);
+        QVector<QVariant> Id(1);
+        if (!Shown->Context().Conn->DLookup(
+                QStringLiteral("SELECT MIN(I.Inv_id) FROM Invoices I WHERE NOT I.Posted AND "
+                               "(SELECT COUNT(*) FROM InvoiceLines L WHERE L.Inv_id = I.Inv_id) >= 5"),
+                Id)
+            || !Shown->OpenInvoice(Id[0].toInt()))
+            return false;
+        QCoreApplication::processEvents();
+        const QString File = QDir(Folder).filePath(QStringLiteral("invoice-filled-") + Lang + QStringLiteral(".png"));
+        if (!Form->grab().save(File))
+            return false;
+        std::printf("%s\n", qPrintable(File));
+        return true;
+    };
+    auto& Invoices = RegisterForm(Menu(QStringLiteral("Sales")), QStringLiteral("Invoices"),
+                                  {QStringLiteral("الفواتير…"), QStringLiteral("&Invoices…")}, FormOf<InvoiceListForm>(),
+                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
+    // The list opens its invoices in the invoice window.
+    Invoices.Create = [this](TDemoContext& Context, QWidget* Parent) -> QWidget* {
+        auto* List = new InvoiceListForm(Context, Parent);
+        List->OnOpenInvoice = [this, List](int InvId) {
+            auto* Form = static_cast<InvoiceForm*>(OpenForm(QStringLiteral("Invoice")));
+            if (Form)
+                connect(Form, &InvoiceForm::Changed, List, &InvoiceListForm::Refresh, Qt::UniqueConnection);
+            if (Form && InvId)
+                Form->OpenInvoice(InvId);
+            else if (Form)
+                Form->NewInvoice();
+        };
+        return List;
+    };
     auto& Settings = RegisterForm(Menu(QStringLiteral("File")), QStringLiteral("Settings"),
                                   {QStringLiteral("الإعدادات…"), QStringLiteral("&Settings…")}, FormOf<TSettingsForm>(),
                                   QKeySequence(Qt::CTRL | Qt::Key_Comma));
@@ -334,16 +391,6 @@ void TMainWindow::RegisterForms()
     RegisterForm(Menu(QStringLiteral("Tools")), QStringLiteral("Tools"),
                  {QStringLiteral("التواريخ والمبالغ والتقريب…"), QStringLiteral("&Dates, amounts and rounding…")},
                  FormOf<TToolsForm>(), QKeySequence(Qt::CTRL | Qt::Key_T));
-    // Until the lists and sales forms take them over, the pages of the component tour.
-    RegisterForm(Menu(QStringLiteral("Tools")), QStringLiteral("Tour"), {QStringLiteral("جولة في المكونات…"), QStringLiteral("Component &tour…")},
-                 [](TDemoContext&, QWidget* Parent) -> QWidget* {
-                     auto* Tour = new DemoWindow(Parent);
-                     // The language is switched for every window at once, from the Language menu.
-                     if (auto* Button = Tour->findChild<QWidget*>(QStringLiteral("LanguageButton")))
-                         Button->hide();
-                     return Tour;
-                 });
-    // Forms of the lists and sales go here, one RegisterForm line each.
 }
 
 void TMainWindow::HideEmptyMenus()

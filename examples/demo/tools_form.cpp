@@ -43,7 +43,7 @@ TToolsForm::TToolsForm(TDemoContext& Context, QWidget* Parent) : QWidget(Parent,
     // Made in Qt Designer (tools_form.ui); the results are worked out here.
     Ui::ToolsForm& F = d->Form;
     F.setupUi(this);
-    for (TQxLabel* Heading : {F.lblDateHead, F.lblAmountHead, F.lblRoundHead})
+    for (TQxLabel* Heading : {F.lblDateHead, F.lblAmountHead, F.lblRoundHead, F.lblTimeHead})
         Embolden(Heading);
     EndLoading(this);
     F.edbDate->setText(QString::number(DateToInt(Now())));
@@ -51,12 +51,16 @@ TToolsForm::TToolsForm(TDemoContext& Context, QWidget* Parent) : QWidget(Parent,
     F.edtValue->setText(QStringLiteral("2.3"));
     F.edtDecimals->setText(QStringLiteral("2"));
     F.dplRule->SetData(QString::number(int(RtNearHaf)));
+    F.tmeFrom->setText(QStringLiteral("22:15"));
+    F.tmeTo->setText(QStringLiteral("06:40"));
 
     connect(F.edbDate, &QLineEdit::textChanged, this, &TToolsForm::UpdateDate);
     connect(F.edtAmount, &QLineEdit::textChanged, this, &TToolsForm::UpdateAmount);
     connect(F.edtValue, &QLineEdit::textChanged, this, &TToolsForm::UpdateRounding);
     connect(F.edtDecimals, &QLineEdit::textChanged, this, &TToolsForm::UpdateRounding);
     connect(F.dplRule, &QComboBox::currentIndexChanged, this, &TToolsForm::UpdateRounding);
+    connect(F.tmeFrom, &QLineEdit::textChanged, this, &TToolsForm::UpdateSpan);
+    connect(F.tmeTo, &QLineEdit::textChanged, this, &TToolsForm::UpdateSpan);
     connect(Application(), &THostApplication::BiDiModeChanged, this, &TToolsForm::UpdateAll);
     UpdateAll();
 }
@@ -66,11 +70,13 @@ TToolsForm::~TToolsForm() = default;
 void TToolsForm::UpdateAll()
 {
     Ui::ToolsForm& F = d->Form;
-    for (QLabel* Result : {F.lblGregorianValue, F.lblHijriValue, F.lblArabicWordsValue, F.lblEnglishWordsValue, F.lblResultValue})
+    for (QLabel* Result : {F.lblGregorianValue, F.lblHijriValue, F.lblArabicWordsValue, F.lblEnglishWordsValue,
+                           F.lblResultValue, F.lblSpanValue})
         AlignToReadingSide(Result);
     UpdateDate();
     UpdateAmount();
     UpdateRounding();
+    UpdateSpan();
 }
 
 void TToolsForm::UpdateDate()
@@ -100,7 +106,7 @@ void TToolsForm::UpdateAmount()
         return;
     }
     const Currency Amount(Value);
-    F.lblArabicWordsValue->setText(NumberToWords(Amount, {QStringLiteral("ريال"), QStringLiteral("ريالان"),
+    F.lblArabicWordsValue->setText(NumberToArabicWords(Amount, {QStringLiteral("ريال"), QStringLiteral("ريالان"),
                                                           QStringLiteral("ريالات"), QStringLiteral("ريالا")}));
     F.lblEnglishWordsValue->setText(Trim(NumberToWordsE(Amount)) + QStringLiteral(" Riyals"));
 }
@@ -117,6 +123,25 @@ void TToolsForm::UpdateRounding()
     }
     const auto Rule = TxRoundTypes(qBound(0, F.dplRule->Data().toInt(), int(RtNearOne)));
     F.lblResultValue->setText(FloatToStr(RoundNumber(Value, Decimals, Rule)));
+}
+
+// A shift from 22:15 to 06:40 runs over midnight: 8:25, not a negative time.
+void TToolsForm::UpdateSpan()
+{
+    Ui::ToolsForm& F = d->Form;
+    const int From = F.tmeFrom->AsIntegerTime();
+    const int To = F.tmeTo->AsIntegerTime();
+    if (StringToTime(F.tmeFrom->text()) < 0 || StringToTime(F.tmeTo->text()) < 0) {
+        F.lblSpanValue->setText(BiStr(QStringLiteral("اكتب الوقتين بالساعات والدقائق (22:15)"),
+                                      QStringLiteral("Type both times as hours and minutes (22:15)")));
+        return;
+    }
+    const int Span = TimeBetween(From, To);
+    F.lblSpanValue->setText(QStringLiteral("%1:%2  (%3 %4)")
+                                .arg(Span / 100)
+                                .arg(Span % 100, 2, 10, QLatin1Char('0'))
+                                .arg(MinutesBetween(From, To))
+                                .arg(BiStr(QStringLiteral("دقيقة"), QStringLiteral("minutes"))));
 }
 
 } // namespace Demo

@@ -1,5 +1,6 @@
 // Kesh Sales: the tools window. Converts dates between the Gregorian and Hijri calendars,
-// writes amounts in Arabic and English words and rounds by the library's rules.
+// writes amounts in Arabic and English words, rounds by the library's rules and measures
+// the time between two times of day.
 #pragma once
 #include "demo_context.h"
 
@@ -19,6 +20,7 @@ private:
     void UpdateDate();
     void UpdateAmount();
     void UpdateRounding();
+    void UpdateSpan();
     void UpdateAll();
 
     std::unique_ptr<class TToolsFormPrivate> const d;

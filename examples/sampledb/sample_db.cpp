@@ -227,14 +227,14 @@ void FillInvoices(QSqlDatabase Db, QRandomGenerator& Random, const QVector<int>&
     const QDate First(2024, 1, 1);
     const QDate Today = QDate::currentDate();
     const qint64 Days = qMax<qint64>(1, First.daysTo(Today));
-    const int Invoices = qMax(1, LineCount / 5);
+    const int Expected = qMax(1, LineCount / 5);
     const char Payments[] = {'C', 'C', 'R', 'R', 'R', 'K'};
     int LineId = 0;
-    for (int Inv = 1; Inv <= Invoices && LineId < LineCount; ++Inv) {
-        const QDate Date = First.addDays(Days * (Inv - 1) / Invoices);
+    for (int Inv = 1; LineId < LineCount; ++Inv) {
+        const QDate Date = First.addDays(qMin(Days, Days * (Inv - 1) / Expected));
         const int Customer = 1 + int(Random.bounded(CustomerCount));
         const char Payment = Payments[Random.bounded(int(sizeof Payments))];
-        const int Count = Inv == Invoices ? LineCount - LineId : qMin(LineCount - LineId, 1 + int(Random.bounded(9)));
+        const int Count = qMin(LineCount - LineId, 1 + int(Random.bounded(9)));
         qint64 Total = 0;
         for (int L = 0; L < Count; ++L) {
             const int Item = 1 + int(Random.bounded(ItemPrices.size()));

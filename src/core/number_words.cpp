@@ -307,10 +307,22 @@ void SpellArabicGroup(const Group& G, int Level, const CurrencyNames& N, GroupWo
 }
 
 // The joiners that follow a scale group (levels 1..3): after a count of more than
-// ten that ends the amount, and after one of more than ten before lower groups.
-constexpr Piece ArCountJoiner[4] = {u"", u" ??? ", u" ????? ", u" ????? "};
-constexpr Piece ArTailJoiner[4] = {u"", u" ????? ?", u" ??????? ?", u" ??????? ?"};
-constexpr Piece ArJoiner = u" ?";
+// ten that ends the amount (Count), after one of more than ten before lower groups
+// (Tail), and "and" between groups (And). NumberToWords keeps the stored texts, question
+// marks and all, because printed forms compare against them; NumberToArabicWords writes
+// the Arabic they stand for.
+struct ArabicJoiners
+{
+    Piece Count[4];
+    Piece Tail[4];
+    Piece And;
+};
+constexpr ArabicJoiners StoredJoiners = {{u"", u" ??? ", u" ????? ", u" ????? "},
+                                         {u"", u" ????? ?", u" ??????? ?", u" ??????? ?"},
+                                         u" ?"};
+constexpr ArabicJoiners ArabicLetterJoiners = {{u"", u" ألف ", u" مليون ", u" مليار "},
+                                               {u"", u" ألفاً و", u" مليوناً و", u" ملياراً و"},
+                                               u" و"};
 
 // Every Arabic group spelled once. A scale group never names the currency; it is
 // kept with the joiner that follows it before the words of lower groups (its words
@@ -322,10 +334,11 @@ constexpr Piece ArJoiner = u" ?";
 class ArabicGroupTexts
 {
 public:
-    static const ArabicGroupTexts& Instance()
+    static const ArabicGroupTexts& Instance(bool ArabicLetters)
     {
-        static const ArabicGroupTexts Texts;
-        return Texts;
+        static const ArabicGroupTexts Stored(StoredJoiners);
+        static const ArabicGroupTexts Letters(ArabicLetterJoiners);
+        return ArabicLetters ? Letters : Stored;
     }
 
     struct Scale
@@ -368,7 +381,7 @@ private:
         bool One = false;
     };
 
-    ArabicGroupTexts()
+    explicit ArabicGroupTexts(const ArabicJoiners& Joiners)
     {
         // Stand-ins for the names, told apart by their addresses. They are not empty: an
         // empty name can leave a group's tail empty, which changes the words around it.
@@ -384,7 +397,7 @@ private:
                 ScaleRef& S = m_scale[Level - 1][Value];
                 S.Many = G.TU() > 10;
                 S.Joined = Store(Words, Words.Begin(), Words.End(),
-                                 S.Many ? ArTailJoiner[Level] : Words.IsEmpty() ? Piece(u"") : ArJoiner);
+                                 S.Many ? Joiners.Tail[Level] : Words.IsEmpty() ? Piece(u"") : Joiners.And);
                 S.WordsSize = quint32(Words.Length());
             }
             if (Value == 0)
@@ -589,12 +602,15 @@ void AddEnglishGroup(const Group& G, int Level, EnglishText& R)
 
 } // namespace
 
-QString NumberToWords(Currency Value, const QStringList& Names)
+namespace {
+
+QString ArabicWords(Currency Value, const QStringList& Names, bool ArabicLetters)
 {
     Groups G;
     CutGroups(Value, G);
     const CurrencyNames N = NamesOf(Names);
-    const ArabicGroupTexts& Texts = ArabicGroupTexts::Instance();
+    const ArabicGroupTexts& Texts = ArabicGroupTexts::Instance(ArabicLetters);
+    const ArabicJoiners& Joiners = ArabicLetters ? ArabicLetterJoiners : StoredJoiners;
 
     GroupWords Units;
     if (N.AnyEmpty) {
@@ -619,7 +635,7 @@ QString NumberToWords(Currency Value, const QStringList& Names)
         if (R.IsEmpty()) {
             R.Clear();
             R.Prepend(N.Form[S.Many ? 3 : 0]);
-            R.Prepend(S.Many ? ArCountJoiner[Level] : Piece(u" "));
+            R.Prepend(S.Many ? Joiners.Count[Level] : Piece(u" "));
             R.Prepend(S.Words);
         } else {
             R.Prepend(S.Joined);
@@ -629,6 +645,18 @@ QString NumberToWords(Currency Value, const QStringList& Names)
             R.Clear();
     }
     return R.Join();
+}
+
+} // namespace
+
+QString NumberToWords(Currency Value, const QStringList& Names)
+{
+    return ArabicWords(Value, Names, false);
+}
+
+QString NumberToArabicWords(Currency Value, const QStringList& Names)
+{
+    return ArabicWords(Value, Names, true);
 }
 
 QString NumberToWordsE(Currency Value)

@@ -27,6 +27,8 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QSvgRenderer>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QTimer>
 #include <QUrl>
 #include <utility>
@@ -118,6 +120,7 @@ struct TQxCustomDBGridPrivate
     bool BusyCalc = false;
     bool SharingWidths = false;
     bool CommitFailed = false;
+    QPersistentModelIndex EditorIndex;  // the cell the open editor belongs to
     int EnteredColumn = -1;
     int Anchor = -1;
     QString LayoutSectionName;
@@ -425,7 +428,8 @@ void TQxCustomDBGrid::LayoutChanged()
     d->Titles->setSectionsMovable(d->Options & dgColumnResize);
     if (!(d->Options & dgColumnResize))
         d->Titles->setSectionResizeMode(QHeaderView::Fixed);
-    setShowGrid(d->Options & (dgColLines | dgRowLines));
+    // Qt draws both kinds of lines or none; one kind alone is drawn with the cells.
+    setShowGrid((d->Options & dgColLines) && (d->Options & dgRowLines));
     setTabKeyNavigation(d->Options & dgTabs);
     d->ApplyingLayout = false;
     UpdateFixedColumns();
@@ -649,9 +653,12 @@ void TQxCustomDBGrid::UpdateData()
 {
     // The dataset asks for pending values (a Post from code or a button): write the editor's.
     QWidget* Editor = OpenEditor();
-    if (!Editor)
+    TDataSet* Ds = d->DataSet();
+    // The editor's own cell: by now the view's current cell may be the one clicked next.
+    if (!Editor || !Ds || !d->EditorIndex.isValid() || d->EditorIndex.row() != Ds->CurrentRow())
         return;
-    TField* F = SelectedField();
+    TQxColumn* C = d->Columns.Items(d->EditorIndex.column());
+    TField* F = C ? C->Field() : nullptr;
     const QString Text = TQxGridDelegate::EditorText(Editor);
     if (F && Text != F->Text())
         F->SetText(Text);
@@ -802,22 +809,61 @@ bool TQxCustomDBGrid::edit(const QModelIndex& Index, EditTrigger Trigger, QEvent
                 return false;
             }
     }
-    try {
-        if (!d->Link.Edit())
+    // A key typed into the cell changes the record at once; an editor opened otherwise (F2,
+    // a double click, dgAlwaysShowEditor) puts it in edit at the first change of its text.
+    if (Trigger == QAbstractItemView::AnyKeyPressed) {
+        try {
+            if (!d->Link.Edit())
+                return false;
+        } catch (const Exception& E) {
+            if (!dynamic_cast<const EAbort*>(&E))
+                ShowLater(this, E.Message);
             return false;
+        }
+    }
+    d->EditorIndex = Index;
+    if (QTableView::edit(Index, Trigger, Event))
+        return true;
+    d->EditorIndex = QPersistentModelIndex();
+    return false;
+}
+
+void TQxCustomDBGrid::EditorTextEdited(QWidget* Editor)
+{
+    TDataSet* Ds = d->DataSet();
+    if (!d->Active() || Ds->State() == dsEdit || Ds->State() == dsInsert)
+        return;
+    // Going into edit refreshes the row, editor included: the user's text is put back.
+    auto* Combo = qobject_cast<QComboBox*>(Editor);
+    QLineEdit* Line = Combo ? Combo->lineEdit() : qobject_cast<QLineEdit*>(Editor);
+    const QString Typed = Line ? Line->text() : QString();
+    const int Cursor = Line ? Line->cursorPosition() : 0;
+    bool Editing = false;
+    try {
+        Editing = d->Link.Edit();
     } catch (const Exception& E) {
         if (!dynamic_cast<const EAbort*>(&E))
             ShowLater(this, E.Message);
-        return false;
     }
-    return QTableView::edit(Index, Trigger, Event);
+    if (Editing && Line && Line->text() != Typed) {
+        Line->setText(Typed);
+        Line->setCursorPosition(Cursor);
+    }
+    if (!Editing) {  // refused: the cell shows its field again
+        TQxColumn* C = d->Columns.Items(d->EditorIndex.column());
+        TQxGridDelegate::SetEditorText(Editor, C && C->Field() ? C->Field()->Text() : QString());
+    }
 }
 
 bool TQxCustomDBGrid::CommitEditor(QWidget* Editor)
 {
-    TQxColumn* C = d->Columns.Items(currentIndex().column());
+    // Into the editor's own cell; once its record is left the text was written on leaving
+    // (UpdateData), and the record now current is not the editor's.
+    if (!d->Active() || !d->EditorIndex.isValid() || d->EditorIndex.row() != d->DataSet()->CurrentRow())
+        return true;
+    TQxColumn* C = d->Columns.Items(d->EditorIndex.column());
     TField* F = C ? C->Field() : nullptr;
-    if (!F || !d->Active())
+    if (!F)
         return true;
     const QString Text = TQxGridDelegate::EditorText(Editor);
     try {
@@ -1091,10 +1137,13 @@ void TQxCustomDBGrid::mouseDoubleClickEvent(QMouseEvent* Event) { QTableView::mo
 void TQxCustomDBGrid::contextMenuEvent(QContextMenuEvent* Event)
 {
     // A column's own pop-up menu, else the grid's context menu as Qt gives it.
-    const QModelIndex Index = indexAt(viewport()->mapFrom(this, Event->pos()));
+    // The event comes to the widget under the mouse (the viewport, a header or the grid
+    // itself): the screen position tells the cell. From the keyboard: the current cell.
+    const bool Keyboard = Event->reason() == QContextMenuEvent::Keyboard;
+    const QModelIndex Index = Keyboard ? currentIndex() : indexAt(viewport()->mapFromGlobal(Event->globalPos()));
     TQxColumn* C = d->Columns.Items(Index.isValid() ? Index.column() : -1);
     if (C && C->GetPopupMenu()) {
-        C->GetPopupMenu()->exec(Event->globalPos());
+        C->GetPopupMenu()->exec(Keyboard ? viewport()->mapToGlobal(visualRect(Index).center()) : Event->globalPos());
         Event->accept();
         return;
     }
@@ -1104,6 +1153,11 @@ void TQxCustomDBGrid::contextMenuEvent(QContextMenuEvent* Event)
 void TQxCustomDBGrid::focusInEvent(QFocusEvent* Event)
 {
     QTableView::focusInEvent(Event);
+    if ((d->Options & dgAlwaysShowEditor) && currentIndex().isValid())
+        QTimer::singleShot(0, this, [this] {
+            if (hasFocus())
+                ShowEditor();
+        });
     viewport()->update();
 }
 
@@ -1243,6 +1297,18 @@ void TQxCustomDBGrid::DrawCell(QPainter* Painter, const QRect& Rect, const QMode
         Painter->setPen(Dotted);
         Painter->setBrush(Qt::NoBrush);
         Painter->drawRect(Rect.adjusted(0, 0, -1, -1));
+    }
+    const bool ColLines = d->Options & dgColLines, RowLines = d->Options & dgRowLines;
+    if (ColLines != RowLines) {
+        QStyleOptionViewItem Option;
+        initViewItemOption(&Option);
+        Painter->setPen(QColor(QRgb(style()->styleHint(QStyle::SH_Table_GridLineColor, &Option, this))));
+        // Where the view itself puts them: after the cell in the reading direction, and below.
+        if (ColLines)
+            Painter->drawLine(isRightToLeft() ? Rect.topLeft() : Rect.topRight(),
+                              isRightToLeft() ? Rect.bottomLeft() : Rect.bottomRight());
+        else
+            Painter->drawLine(Rect.bottomLeft(), Rect.bottomRight());
     }
     d->Canvas = nullptr;
     Painter->restore();

@@ -222,6 +222,7 @@ private:
     void DrawIndicator(QPainter* Painter, const QRect& Rect, int Row);
     bool CanEditColumn(int Column) const;
     bool CommitEditor(QWidget* Editor);
+    void EditorTextEdited(QWidget* Editor);
     QWidget* OpenEditor() const;
     void DeleteRecords();
     void SelectRange(int From, int To);

@@ -650,6 +650,8 @@ void TQxDBGridColumns::Move(int From, int To)
     if (From < 0 || From >= Count() || To < 0 || To >= Count() || From == To)
         return;
     d->Items.move(From, To);
+    if (Grid() && Grid()->GetFooter())
+        Grid()->GetFooter()->MoveColumn(From, To);  // its label goes along
     Changed(true);
 }
 

@@ -93,6 +93,15 @@ void TQxdbGridFooter::BuildColumns()
     DoPaint();
 }
 
+// A column moved: its label (with what it shows) goes along.
+void TQxdbGridFooter::MoveColumn(int From, int To)
+{
+    if (From < 0 || To < 0 || From >= d->Labels.size() || To >= d->Labels.size())
+        return;
+    d->Labels.move(From, To);
+    d->Separators.move(From, To);
+}
+
 void TQxdbGridFooter::CalcColumnsTotal()
 {
     if (!d->Grid)

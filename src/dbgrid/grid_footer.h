@@ -49,7 +49,9 @@ protected:
 
 private:
     friend class TQxCustomDBGrid;
+    friend class TQxDBGridColumns;
     void SetGrid(TQxCustomDBGrid* Grid);
+    void MoveColumn(int From, int To);
     void PlaceLabels();
     void ShowTotals();
     std::unique_ptr<struct TQxdbGridFooterPrivate> const d;

@@ -63,10 +63,13 @@ QWidget* TQxGridDelegate::createEditor(QWidget* Parent, const QStyleOptionViewIt
         Combo->setMaxVisibleItems(std::max(C->GetDropDownRows(), 1));
         Combo->setFrame(false);
         Combo->lineEdit()->installEventFilter(const_cast<TQxGridDelegate*>(this));
+        connect(Combo->lineEdit(), &QLineEdit::textEdited, m_grid, [G = m_grid, Combo] { G->EditorTextEdited(Combo); });
+        connect(Combo, &QComboBox::activated, m_grid, [G = m_grid, Combo] { G->EditorTextEdited(Combo); });
         Editor = Combo;
     } else {
         auto* Edit = new TQxInplaceEdit(Parent, C->GetButtonStyle() == cbsEllipsis);
         connect(Edit, &TQxInplaceEdit::EditButtonClicked, m_grid, [G = m_grid] { G->EditButtonClicked(); });
+        connect(Edit, &QLineEdit::textEdited, m_grid, [G = m_grid, Edit] { G->EditorTextEdited(Edit); });
         TField* F = C->Field();
         if (F && (F->DataType() == ftString || F->DataType() == ftWideString || F->DataType() == ftFixedChar)
             && F->Size() > 0)
@@ -90,7 +93,7 @@ void TQxGridDelegate::setEditorData(QWidget* Editor, const QModelIndex& Index) c
 
 void TQxGridDelegate::updateEditorGeometry(QWidget* Editor, const QStyleOptionViewItem& Option, const QModelIndex&) const
 {
-    Editor->setGeometry(Option.rect.adjusted(0, 0, -1, -1));
+    Editor->setGeometry(Option.rect);  // the whole cell: no strip of its highlight shows around
 }
 
 QString TQxGridDelegate::EditorText(const QWidget* Editor)
@@ -244,6 +247,17 @@ void TQxGridTitleHeader::leaveEvent(QEvent* Event)
     m_hot = -1;
     viewport()->update();
     QHeaderView::leaveEvent(Event);
+}
+
+bool TQxGridTitleHeader::viewportEvent(QEvent* Event)
+{
+    // The mouse leaves the titles through their viewport (which the header's own leave
+    // event does not always follow): no title stays hot.
+    if (Event->type() == QEvent::Leave && m_hot >= 0) {
+        m_hot = -1;
+        viewport()->update();
+    }
+    return QHeaderView::viewportEvent(Event);
 }
 
 // ---------------------------------------------------------------- TQxGridIndicatorHeader

@@ -67,6 +67,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* Event) override;
     void mouseMoveEvent(QMouseEvent* Event) override;
     void leaveEvent(QEvent* Event) override;
+    bool viewportEvent(QEvent* Event) override;
 
 private:
     TQxCustomDBGrid* m_grid;

@@ -3,11 +3,15 @@
 // multi-selection, dropped files and the per-column keyboard layout.
 #include "grid_fixture.h"
 #include "dialog_helper.h"
+#include "colors.h"
 #include "platform/keyboard.h"
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
+#include <QStyleOptionViewItem>
+#include <QTimer>
 #include <QUrl>
 
 using namespace Kesh;
@@ -348,6 +352,274 @@ private Q_SLOTS:
         QCOMPARE(To, 2);
         QCOMPARE(F.Grid->GetColumns()->Items(2)->GetFieldName(), QStringLiteral("Id"));
         QCOMPARE(F.Grid->model()->index(0, 2).data().toString(), QStringLiteral("1"));
+    }
+
+    // Titles: with dgTitleHotTrack the title under the mouse is 16 lighter until the mouse
+    // leaves; with dgTitleClick a pressed title's caption is drawn 1 pixel further in.
+    void titleHotTrackAndPress_data()
+    {
+        QTest::addColumn<bool>("hotTrack");
+        QTest::addColumn<bool>("titleClick");
+        QTest::addColumn<bool>("rtl");
+        QTest::newRow("both") << true << true << false;
+        QTest::newRow("both, rtl") << true << true << true;
+        QTest::newRow("neither") << false << false << false;
+    }
+    void titleHotTrackAndPress()
+    {
+        QFETCH(bool, hotTrack);
+        QFETCH(bool, titleClick);
+        QFETCH(bool, rtl);
+        auto Ds = Items(3);
+        Form F(Ds.get());
+        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgTitleHotTrack | dgTitleClick);
+        if (hotTrack)
+            Options |= dgTitleHotTrack;
+        if (titleClick)
+            Options |= dgTitleClick;
+        F.Grid->SetOptions(Options);
+        if (rtl)
+            F.Grid->SetBiDiMode(bdRightToLeft);
+        QVERIFY(F.Show());
+        QHeaderView* H = F.Grid->horizontalHeader();
+        // A background pixel of title I (clear of its caption and edges), and its caption.
+        auto Title = [&](int I) {
+            const int X = H->sectionViewportPosition(I);
+            return H->viewport()->grab(QRect(X, 0, H->sectionSize(I), H->height())).toImage();
+        };
+        auto Background = [&](int I) { return Title(I).pixelColor(3, H->height() - 4); };
+        auto Ink = [](const QImage& Image) {  // the box of the caption's dark pixels
+            QRect Box;
+            for (int Y = 0; Y < Image.height(); ++Y)
+                for (int X = 2; X < Image.width() - 2; ++X)
+                    if (Image.pixelColor(X, Y).lightness() < 100)
+                        Box |= QRect(X, Y, 1, 1);
+            return Box;
+        };
+        const QColor Normal[] = {Background(0), Background(1), Background(2)};
+        QCOMPARE(Normal[1], Rgb(F.Grid->GetColumns()->Items(1)->GetTitle()->GetColor()));
+        const QPoint On1(H->sectionViewportPosition(1) + H->sectionSize(1) / 2, H->height() / 2);
+        QTest::mouseMove(H->viewport(), On1);
+        QTRY_COMPARE(Background(1), hotTrack ? Rgb(ChangeColor(F.Grid->GetColumns()->Items(1)->GetTitle()->GetColor(), 16))
+                                             : Normal[1]);
+        QCOMPARE(Background(0), Normal[0]);
+        QCOMPARE(Background(2), Normal[2]);
+        QEvent Leave(QEvent::Leave);
+        QApplication::sendEvent(H->viewport(), &Leave);
+        QCOMPARE(Background(1), Normal[1]);
+
+        const QRect Up = Ink(Title(1));
+        QVERIFY(!Up.isEmpty());
+        QTest::mousePress(H->viewport(), Qt::LeftButton, {}, On1);
+        const QRect Down = Ink(Title(1));
+        QTest::mouseRelease(H->viewport(), Qt::LeftButton, {}, On1);
+        QCOMPARE(Down, titleClick ? Up.translated(1, 1) : Up);
+        QCOMPARE(Ink(Title(1)), Up);
+    }
+
+    // dgAlwaysShowEditor: the focused grid always has its editor open on the current cell,
+    // following the cell as the user moves, unless editing is off or the grid read-only.
+    void alwaysShowEditor_data()
+    {
+        QTest::addColumn<bool>("always");
+        QTest::addColumn<bool>("editing");
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("on") << true << true << false << true;
+        QTest::newRow("off") << false << true << false << false;
+        QTest::newRow("on, editing off") << true << false << false << false;
+        QTest::newRow("on, read-only grid") << true << true << true << false;
+    }
+    void alwaysShowEditor()
+    {
+        QFETCH(bool, always);
+        QFETCH(bool, editing);
+        QFETCH(bool, readOnly);
+        QFETCH(bool, shown);
+        auto Ds = Items(10);
+        Form F(Ds.get());
+        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgAlwaysShowEditor | dgEditing);
+        if (always)
+            Options |= dgAlwaysShowEditor;
+        if (editing)
+            Options |= dgEditing;
+        F.Grid->SetOptions(Options);
+        F.Grid->SetReadOnly(readOnly);
+        QVERIFY(F.Show());
+        F.Grid->SetSelectedIndex(1);
+        auto EditorText = [&]() -> QString {
+            auto* Editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+            return F.Grid->EditorMode() && Editor ? Editor->text() : QStringLiteral("(no editor)");
+        };
+        QTRY_COMPARE(EditorText(), shown ? QStringLiteral("Item 1") : QStringLiteral("(no editor)"));
+        // Moving down from within the editor: the editor follows to the next record.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        QTRY_COMPARE(Ds->RecNo(), 2);
+        QTRY_COMPARE(EditorText(), shown ? QStringLiteral("Item 2") : QStringLiteral("(no editor)"));
+        QCOMPARE(Ds->State(), dsBrowse);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QTRY_COMPARE(EditorText(), shown ? QStringLiteral("2") : QStringLiteral("(no editor)"));
+        QCOMPARE(Ds->State(), dsBrowse);
+        // Focus leaving and coming back.
+        QLineEdit Other(&F.Window);
+        Other.show();
+        Other.setFocus();
+        QTRY_VERIFY(!F.Grid->EditorMode());
+        QCOMPARE(Ds->State(), dsBrowse);
+        F.Grid->setFocus();
+        QTRY_COMPARE(EditorText(), shown ? QStringLiteral("2") : QStringLiteral("(no editor)"));
+        QCOMPARE(Ds->State(), dsBrowse);  // an editor open is not yet an edit
+    }
+
+    // A column's PopupMenu comes up for a right click on the column's cells; other columns
+    // keep the grid's own context menu behaviour.
+    void columnPopupMenu_data()
+    {
+        QTest::addColumn<bool>("rtl");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("edge");  // -1 near the cell's left edge, 1 near its right, 0 centre
+        QTest::addColumn<bool>("shown");
+        for (const bool Rtl : {false, true}) {
+            const char* Dir = Rtl ? "rtl" : "ltr";
+            QTest::addRow("%s, column with a menu", Dir) << Rtl << 1 << 0 << true;
+            QTest::addRow("%s, its left edge", Dir) << Rtl << 1 << -1 << true;
+            QTest::addRow("%s, its right edge", Dir) << Rtl << 1 << 1 << true;
+            QTest::addRow("%s, column without", Dir) << Rtl << 2 << 0 << false;
+            QTest::addRow("%s, left of it", Dir) << Rtl << (Rtl ? 2 : 0) << 1 << false;
+        }
+    }
+    void columnPopupMenu()
+    {
+        QFETCH(bool, rtl);
+        QFETCH(int, column);
+        QFETCH(int, edge);
+        QFETCH(bool, shown);
+        auto Ds = Items(5);
+        Form F(Ds.get());
+        QMenu Menu;
+        Menu.addAction(QStringLiteral("Copy"));
+        F.Grid->GetColumns()->Items(1)->SetPopupMenu(&Menu);
+        if (rtl)
+            F.Grid->SetBiDiMode(bdRightToLeft);
+        QVERIFY(F.Show());
+        const QRect Cell = F.Grid->visualRect(F.Grid->model()->index(2, column));
+        const QPoint At(edge < 0 ? Cell.left() + 2 : edge > 0 ? Cell.right() - 2 : Cell.center().x(), Cell.center().y());
+        QWidget* Popup = nullptr;
+        QTimer::singleShot(0, [&] {
+            Popup = QApplication::activePopupWidget();
+            if (Popup)
+                Popup->close();
+        });
+        // As a right click gives it: to the widget under the mouse, in its coordinates.
+        QContextMenuEvent Event(QContextMenuEvent::Mouse, At, F.Grid->viewport()->mapToGlobal(At));
+        QApplication::sendEvent(F.Grid->viewport(), &Event);
+        QCoreApplication::processEvents();
+        QCOMPARE(Popup, shown ? static_cast<QWidget*>(&Menu) : nullptr);
+    }
+
+    // An open editor's text goes into its own cell, whichever cell the user goes to next.
+    void editorTextStaysInItsCell_data()
+    {
+        QTest::addColumn<QString>("typed");   // empty: the editor opened by F2, left as it was
+        QTest::addColumn<QString>("leave");   // click (another row and column), column (same row), down
+        for (const char* Typed : {"", "Zed"})
+            for (const char* Leave : {"click", "column", "down"})
+                QTest::addRow("%s, %s", *Typed ? "typed" : "untouched", Leave) << QString::fromLatin1(Typed)
+                                                                               << QString::fromLatin1(Leave);
+    }
+    void editorTextStaysInItsCell()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, leave);
+        auto Ds = Items(10);
+        Form F(Ds.get());
+        QVERIFY(F.Show());
+        F.Grid->SetSelectedIndex(1);
+        QTest::keyClick(F.Grid, Qt::Key_F2);
+        QVERIFY(F.Grid->EditorMode());
+        QCOMPARE(Ds->State(), dsBrowse);  // opening the editor changes nothing yet
+        auto* Editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        QVERIFY(Editor);
+        if (!typed.isEmpty()) {
+            Editor->selectAll();
+            QTest::keyClicks(Editor, typed);
+            QCOMPARE(Ds->State(), dsEdit);
+        }
+        if (leave == QLatin1String("click"))
+            QTest::mouseClick(F.Grid->viewport(), Qt::LeftButton, {}, F.Cell(3, 2));
+        else if (leave == QLatin1String("column"))
+            QTest::mouseClick(F.Grid->viewport(), Qt::LeftButton, {}, F.Cell(0, 2));
+        else
+            QTest::keyClick(Editor, Qt::Key_Down);
+        QTRY_VERIFY(!F.Grid->EditorMode());
+        if (Ds->State() != dsBrowse)
+            Ds->Post();
+        QStringList Names, Qtys;
+        for (Ds->First(); !Ds->Eof(); Ds->Next()) {
+            Names << Ds->FieldByName(QStringLiteral("Name"))->AsString();
+            Qtys << Ds->FieldByName(QStringLiteral("Qty"))->AsString();
+        }
+        QStringList WantNames, WantQtys;
+        for (int I = 1; I <= 10; ++I) {
+            WantNames << QStringLiteral("Item %1").arg(I);
+            WantQtys << QString::number(I);
+        }
+        if (!typed.isEmpty())
+            WantNames[0] = typed;
+        QCOMPARE(Names, WantNames);
+        QCOMPARE(Qtys, WantQtys);
+    }
+
+    // dgColLines and dgRowLines each draw their own lines only, in both directions; an open
+    // editor covers its whole cell.
+    void gridLines_data()
+    {
+        QTest::addColumn<bool>("cols");
+        QTest::addColumn<bool>("rows");
+        QTest::addColumn<bool>("rtl");
+        for (const bool Rtl : {false, true})
+            for (int Mode = 0; Mode < 4; ++Mode)
+                QTest::addRow("%s%s%s", Mode & 1 ? "columns " : "", Mode & 2 ? "rows " : "", Rtl ? "rtl" : "ltr")
+                    << bool(Mode & 1) << bool(Mode & 2) << Rtl;
+    }
+    void gridLines()
+    {
+        QFETCH(bool, cols);
+        QFETCH(bool, rows);
+        QFETCH(bool, rtl);
+        auto Ds = Items(10);
+        Form F(Ds.get());
+        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgColLines | dgRowLines);
+        if (cols)
+            Options |= dgColLines;
+        if (rows)
+            Options |= dgRowLines;
+        F.Grid->SetOptions(Options);
+        if (rtl)
+            F.Grid->SetBiDiMode(bdRightToLeft);
+        QVERIFY(F.Show());
+        QStyleOptionViewItem Option;
+        Option.initFrom(F.Grid);
+        const QColor Line(QRgb(F.Grid->style()->styleHint(QStyle::SH_Table_GridLineColor, &Option, F.Grid)));
+        const QImage Image = F.Grid->viewport()->grab().toImage();
+        const QRect A = F.Grid->visualRect(F.Grid->model()->index(2, 0));
+        const QRect B = F.Grid->visualRect(F.Grid->model()->index(2, 1));
+        const QRect Below = F.Grid->visualRect(F.Grid->model()->index(3, 0));
+        auto LineBetween = [&](int From, int To, bool Vertical, int At) {
+            for (int P = std::min(From, To); P <= std::max(From, To); ++P)
+                if (Image.pixelColor(Vertical ? P : At, Vertical ? At : P) == Line)
+                    return true;
+            return false;
+        };
+        // Between the two cells of a row (B after A in the reading direction), and between rows.
+        QCOMPARE(LineBetween(rtl ? B.right() : A.right(), rtl ? A.left() : B.left(), true, A.top() + 2), cols);
+        QCOMPARE(LineBetween(A.bottom(), Below.top(), false, A.left() + 3), rows);
+
+        F.Grid->SetSelectedIndex(1);
+        QTest::keyClick(F.Grid, Qt::Key_F2);
+        QWidget* Editor = QApplication::focusWidget();
+        QVERIFY(F.Grid->EditorMode() && Editor);
+        QCOMPARE(Editor->geometry(), F.Grid->visualRect(F.Grid->currentIndex()));
     }
 
     void recordNumberTitle_data()

@@ -62,6 +62,78 @@ class TestGridEdit : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // Invoice lines typed from the keyboard alone: a pick-list item column, a quantity, a
+    // price the item fills in and a computed read-only total; Enter goes through the columns
+    // and on to a new line at the end, which the next Enter past the last column posts.
+    void invoiceLinesFromTheKeyboard_data()
+    {
+        QTest::addColumn<bool>("rtl");
+        QTest::newRow("ltr") << false;
+        QTest::newRow("rtl") << true;
+    }
+    void invoiceLinesFromTheKeyboard()
+    {
+        QFETCH(bool, rtl);
+        TClientDataSet Lines;
+        Lines.FieldDefs().Add(QStringLiteral("Item"), ftString, 20);
+        Lines.FieldDefs().Add(QStringLiteral("Qty"), ftInteger);
+        Lines.FieldDefs().Add(QStringLiteral("Price"), ftFloat);
+        Lines.FieldDefs().Add(QStringLiteral("Total"), ftFloat);
+        Lines.CreateDataSet();
+        const QMap<QString, double> Prices{{QStringLiteral("Pen"), 2.5}, {QStringLiteral("Ruler"), 4}};
+        auto Field = [&](const char* Name) { return Lines.FieldByName(QLatin1String(Name)); };
+        auto Compute = [&](TField*) {
+            Field("Total")->SetAsFloat(Field("Qty")->AsInteger() * Field("Price")->AsFloat());
+        };
+        Field("Item")->OnChange = [&](TField* F) { Field("Price")->SetAsFloat(Prices.value(F->AsString())); };
+        Field("Qty")->OnChange = Compute;
+        Field("Price")->OnChange = Compute;
+        Lines.Append();
+        Field("Item")->SetAsString(QStringLiteral("Ruler"));
+        Field("Qty")->SetAsInteger(1);
+        Lines.Post();
+        Form F(&Lines);
+        F.Grid->GetColumns()->Clear();
+        for (const char* Name : {"Item", "Qty", "Price", "Total"})
+            F.Grid->GetColumns()->Add()->SetFieldName(QLatin1String(Name));
+        F.Grid->GetColumns()->Items(0)->SetPickList(Prices.keys());
+        F.Grid->GetColumns()->Items(3)->SetReadOnly(true);
+        if (rtl)
+            F.Grid->SetBiDiMode(bdRightToLeft);
+        QVERIFY(F.Show());
+        // From the last column of the last line, Enter starts a new line at the end.
+        F.Grid->SetSelectedIndex(3);
+        QTest::keyClick(F.Grid, Qt::Key_Return);
+        QCOMPARE(Lines.State(), dsInsert);
+        QCOMPARE(Lines.RecNo(), -1);
+        QCOMPARE(F.Grid->SelectedIndex(), 0);
+        QTest::keyClicks(F.Grid, QStringLiteral("Pen"));
+        QVERIFY(qobject_cast<QComboBox*>(Editor(F.Grid)));  // the pick list drops from the cell
+        QTest::keyClick(Editor(F.Grid), Qt::Key_Return);
+        QCOMPARE(F.Grid->SelectedIndex(), 1);
+        QCOMPARE(Field("Price")->AsFloat(), 2.5);  // filled in by the item
+        QTest::keyClicks(F.Grid, QStringLiteral("4"));
+        QTest::keyClick(Editor(F.Grid), Qt::Key_Return);
+        QCOMPARE(F.Grid->SelectedIndex(), 2);
+        QCOMPARE(Field("Total")->AsFloat(), 10.0);
+        QTest::keyClick(F.Grid, Qt::Key_Return);
+        QCOMPARE(F.Grid->SelectedIndex(), 3);
+        QTest::keyClicks(F.Grid, QStringLiteral("9"));  // the computed column refuses typing
+        QVERIFY(!F.Grid->EditorMode());
+        QCOMPARE(Field("Total")->AsFloat(), 10.0);
+        // Past the last column the line is posted and the next one started.
+        QTest::keyClick(F.Grid, Qt::Key_Return);
+        QCOMPARE(Lines.State(), dsInsert);
+        QCOMPARE(F.Grid->SelectedIndex(), 0);
+        QTest::keyClick(F.Grid, Qt::Key_Escape);  // an untouched new line is dropped
+        QCOMPARE(Lines.State(), dsBrowse);
+        QCOMPARE(Lines.RecordCount(), 2);
+        Lines.Last();
+        QCOMPARE(Field("Item")->AsString(), QStringLiteral("Pen"));
+        QCOMPARE(Field("Qty")->AsInteger(), 4);
+        QCOMPARE(Field("Total")->AsFloat(), 10.0);
+    }
+
     void typingAndPosting_data() { KeshTest::AddDriverRows(); }
     void typingAndPosting()
     {

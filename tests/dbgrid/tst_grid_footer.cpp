@@ -7,6 +7,8 @@
 #include "platform/rtl/numbers.h"
 #include <QElapsedTimer>
 #include <QRandomGenerator>
+#include <QScrollBar>
+#include <QVBoxLayout>
 
 using namespace Kesh;
 using namespace GridTest;
@@ -226,6 +228,75 @@ private Q_SLOTS:
         F.Grid->GetColumns()->Items(0)->SetWidth(F.Grid->GetColumns()->Items(0)->GetWidth() + 30);
         QCoreApplication::processEvents();
         QCOMPARE(Footer.Labels(1)->x(), Before + (rtl ? -30 : 30));
+    }
+    // A footer placed by a layout under its grid keeps every label under its title when
+    // columns are resized or moved, the grid scrolls sideways, or the window is resized.
+    void followsColumnsInLayout_data()
+    {
+        QTest::addColumn<bool>("rtl");
+        QTest::addColumn<QString>("action");
+        for (const bool Rtl : {false, true})
+            for (const char* Action : {"resize column", "move column", "scroll", "resize window", "widen column 0 in code"})
+                QTest::addRow("%s, %s", Rtl ? "rtl" : "ltr", Action) << Rtl << QString::fromLatin1(Action);
+    }
+    void followsColumnsInLayout()
+    {
+        QFETCH(bool, rtl);
+        QFETCH(QString, action);
+        auto Ds = Items(3);
+        QWidget Window;
+        auto* Layout = new QVBoxLayout(&Window);
+        Layout->setSpacing(0);
+        Layout->setContentsMargins(17, 5, 9, 5);  // the footer's x is not 0 in the window
+        TDataSource Source;
+        Source.SetDataSet(Ds.get());
+        auto* Grid = new TQxdbGrid(&Window);
+        auto* Footer = new TQxdbGridFooter(&Window);
+        Layout->addWidget(Grid);
+        Layout->addWidget(Footer);
+        Grid->SetDataSource(&Source);
+        Grid->SetGridFooter(Footer);
+        Grid->GetColumns()->Items(2)->SetTotalValue(true);  // Qty: 1 + 2 + 3
+        if (rtl)
+            Grid->SetBiDiMode(bdRightToLeft);
+        Window.resize(300, 250);  // narrower than the columns: the grid scrolls sideways
+        Window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&Window));
+        QHeaderView* H = Grid->horizontalHeader();
+        auto Misplaced = [&] {
+            QCoreApplication::processEvents();
+            QStringList Wrong;
+            for (int I = 0; I < Footer->LabelCount(); ++I) {
+                const int Title = H->mapTo(&Window, QPoint(H->sectionViewportPosition(I), 0)).x()
+                                  - Footer->mapTo(&Window, QPoint(0, 0)).x();
+                const TQxLabel* L = Footer->Labels(I);
+                const bool Shown = Title + H->sectionSize(I) > 0 && Title < Footer->width();
+                if (L->x() != Title + 1 || L->width() != H->sectionSize(I) - 4 || L->isVisible() != Shown)
+                    Wrong << QStringLiteral("label %1 at %2 width %3 %4, title at %5 width %6")
+                                 .arg(I).arg(L->x()).arg(L->width())
+                                 .arg(L->isVisible() ? QStringLiteral("shown") : QStringLiteral("hidden"))
+                                 .arg(Title).arg(H->sectionSize(I));
+            }
+            return Wrong.join(QStringLiteral("; "));
+        };
+        QCOMPARE(Misplaced(), QString());
+        if (action == QLatin1String("resize column"))
+            H->resizeSection(1, H->sectionSize(1) + 40);
+        else if (action == QLatin1String("move column"))
+            H->moveSection(2, 0);  // as a drag of the title does
+        else if (action == QLatin1String("scroll"))
+            Grid->horizontalScrollBar()->setValue(Grid->horizontalScrollBar()->maximum());
+        else if (action == QLatin1String("resize window"))
+            Window.resize(420, 260);
+        else
+            Grid->GetColumns()->Items(0)->SetWidth(Grid->GetColumns()->Items(0)->GetWidth() + 25);
+        QCOMPARE(Misplaced(), QString());
+        QCOMPARE(Footer->Labels(2)->GetCaption(), action == QLatin1String("move column") ? QString() : QStringLiteral("6"));
+        if (action == QLatin1String("move column")) {
+            // The total went along with its column.
+            QCOMPARE(Grid->GetColumns()->Items(0)->GetFieldName(), QStringLiteral("Qty"));
+            QCOMPARE(Footer->Labels(0)->GetCaption(), QStringLiteral("6"));
+        }
     }
 };
 

@@ -17,6 +17,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSqlDatabase>
+#include <QSignalSpy>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -207,7 +208,7 @@ private Q_SLOTS:
         QCOMPARE(S.Form.Total(), Line1 + Line2);
         QCOMPARE(S.Child<TQxLabel>("lblTotal")->GetCaption(), FormatFloat(QStringLiteral("#,##0.00"), Line1 + Line2));
         const Currency Amount(Line1 + Line2);
-        const QString ArabicWords = NumberToWords(Amount, {QStringLiteral("دينار"), QStringLiteral("ديناران"),
+        const QString ArabicWords = NumberToArabicWords(Amount, {QStringLiteral("دينار"), QStringLiteral("ديناران"),
                                                             QStringLiteral("دنانير"), QStringLiteral("دينارا")})
                                         .trimmed();
         QVERIFY2(S.Child<TQxLabel>("lblWordsA")->GetCaption().startsWith(ArabicWords),
@@ -390,7 +391,10 @@ private Q_SLOTS:
         QCOMPARE(Grid->DataSet()->RecordCount(), yes ? Lines - 1 : Lines);
         QCOMPARE(S.Form.Total(), std::round((yes ? Total - First : Total) * 100) / 100);
         QCOMPARE(S.Form.HasChanges(), yes);
+        QSignalSpy Changed(&S.Form, &InvoiceForm::Changed);
         QVERIFY(S.Form.Save());
+        QCOMPARE(Changed.size(), 1);
+        QCOMPARE(Changed[0][0].toInt(), InvId);
         QCOMPARE(LineCount(Db, InvId), yes ? Lines - 1 : Lines);
         QCOMPARE(Db.Scalar(QStringLiteral("SELECT Total FROM Invoices WHERE Inv_id = %1").arg(InvId)).toDouble(),
                  std::round((yes ? Total - First : Total) * 100) / 100);
@@ -479,6 +483,70 @@ private Q_SLOTS:
         QCOMPARE(Opened[0], Newest);
         QCOMPARE(Opened[1], Grid->DataSet()->FieldByName(QStringLiteral("Inv_id"))->AsInteger());
         QVERIFY(Opened[1] < Newest);
+    }
+
+    void amountInWords_data()
+    {
+        AddDrivers();
+        QTest::addColumn<QString>("price");
+        QTest::addColumn<QString>("arabic");
+        QTest::addColumn<QString>("english");
+        QTest::newRow("cents only") << "sqlite" << "0.75" << QStringLiteral("صفر ريال و75 هللة فقط لا غير")
+                                    << "Only Zero Riyals and 75 Halalas";
+        QTest::newRow("one") << "sqlite" << "1" << QStringLiteral("ريال واحد فقط لا غير") << "Only One Riyal";
+        QTest::newRow("two, one cent") << "sqlite" << "2.01" << QStringLiteral("ريالان و1 هللة فقط لا غير")
+                                       << "Only Two Riyals and 1 Halala";
+        QTest::newRow("thousands") << "sqlite" << "3000.5" << QStringLiteral("ثلاثة آلاف ريال و50 هللة فقط لا غير")
+                                   << "Only Three Thousands Riyals and 50 Halalas";
+    }
+    // The total in words: the whole currency in words, the sub-unit in figures, each named
+    // in the settings' forms and in the number's grammar.
+    void amountInWords()
+    {
+        QFETCH(QString, price);
+        QFETCH(QString, arabic);
+        QFETCH(QString, english);
+        OPEN_DEMO_DB(Db);
+        TShownForm S(Db);
+        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        auto* Grid = S.Child<TQxdbGrid>("grdLines");
+        Grid->setFocus();
+        QTest::keyClick(Grid, Qt::Key_Insert);
+        PickItem(Grid, 0);
+        QTest::keyClick(Grid, Qt::Key_Return);  // quantity 1
+        QCOMPARE(Grid->SelectedIndex(), 2);
+        Type(Grid, price);
+        QTest::keyClick(Editor(Grid), Qt::Key_Return);
+        QCOMPARE(S.Child<TQxLabel>("lblWordsA")->GetCaption(), arabic);
+        QCOMPARE(S.Child<TQxLabel>("lblWordsE")->GetCaption(), english);
+    }
+
+    void escapeUndoesTheLine_data()
+    {
+        AddDrivers();
+        QTest::newRow("sqlite") << "sqlite";
+    }
+    // Escape in the grid gives the line back as it was and leaves the window open.
+    void escapeUndoesTheLine()
+    {
+        OPEN_DEMO_DB(Db);
+        const int InvId = OpenSampleInvoice(Db);
+        TShownForm S(Db);
+        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        QVERIFY(S.Form.OpenInvoice(InvId));
+        const double Total = S.Form.Total();
+        auto* Grid = S.Child<TQxdbGrid>("grdLines");
+        Grid->setFocus();
+        Grid->SetSelectedIndex(1);
+        const double Qty = Grid->DataSet()->FieldByName(QStringLiteral("Qty"))->AsFloat();
+        Type(Grid, QStringLiteral("99"));
+        QTest::keyClick(Editor(Grid), Qt::Key_Return);
+        QVERIFY(S.Form.Total() != Total);
+        QTest::keyClick(Grid, Qt::Key_Escape);
+        QVERIFY(S.Form.isVisible());
+        QCOMPARE(Grid->DataSet()->FieldByName(QStringLiteral("Qty"))->AsFloat(), Qty);
+        QCOMPARE(S.Form.Total(), Total);
+        QVERIFY(!S.Form.HasChanges());
     }
 
     void calendarChoice_data()

@@ -13,10 +13,13 @@
 #include <Kesh.h>
 #include <KeshForm_AdoBrowser.h>
 #include <Kesh_AdoDB.h>
+#include <Kesh_Controls.h>
 #include <Kesh_dbControls.h>
 #include <Kesh_dbGrid.h>
 
+#include <QAbstractButton>
 #include <QBuffer>
+#include <QComboBox>
 #include <QImage>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -156,6 +159,73 @@ private Q_SLOTS:
         QCOMPARE(Form.Grid()->currentIndex().row(), Form.DataSet()->CurrentRow());
     }
 
+    void tabOrder_data()
+    {
+        QTest::addColumn<bool>("items");
+        QTest::addColumn<QStringList>("order");
+        QTest::newRow("customers") << false
+                                   << QStringList{"xName_a", "xName_e", "xJoined", "xNotes", "xCity_id", "xPhone",
+                                                  "xCredit_limit", "xActive", "grdCustomers"};
+        QTest::newRow("items") << true
+                               << QStringList{"xName_a", "xName_e", "xActive", "xCode", "xUnit_id", "xPrice", "xStock",
+                                              "btnLoadPhoto", "btnClearPhoto", "grdItems"};
+    }
+    // Tab walks from the grid through the card in reading order and back to the grid; the
+    // tool bar is reached by its keys, not by Tab.
+    void tabOrder()
+    {
+        QFETCH(bool, items);
+        QFETCH(QStringList, order);
+        QString Reason;
+        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
+        QVERIFY2(Db, qPrintable(Reason));
+        TSample Sample(*Db);
+        std::unique_ptr<Demo::TListForm> Form;
+        if (items)
+            Form.reset(new Demo::TItemsForm(Sample.Context));
+        else
+            Form.reset(new Demo::TCustomersForm(Sample.Context));
+        ShowForm(*Form);
+        Form->Grid()->setFocus();
+        QStringList Visited;
+        for (int I = 0; I < order.size(); ++I) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            Visited << QApplication::focusWidget()->objectName();
+        }
+        QCOMPARE(Visited, order);
+    }
+
+    // Switched to Arabic while open, as the main window switches its forms: the grid shows
+    // the Arabic names and titles, the footer counts in Arabic, the city list and the city
+    // column show Arabic names; and back.
+    void languageSwitch()
+    {
+        QString Reason;
+        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
+        QVERIFY2(Db, qPrintable(Reason));
+        TSample Sample(*Db);
+        Demo::TCustomersForm Form(Sample.Context);
+        ShowForm(Form);
+        const int City = Key(Form, "City_id");
+        auto CityName = [&](const char* Column) {
+            return Sample.Scalar(QStringLiteral("SELECT %1 FROM Cities WHERE City_id = %2").arg(QLatin1String(Column)).arg(City)).toString();
+        };
+        for (TBiDiMode Mode : {bdRightToLeft, bdLeftToRight}) {
+            const bool Arabic = Mode == bdRightToLeft;
+            Form.FormManager()->SetLang(Mode);
+            Application()->SetBiDiMode(Mode);
+            ShowForm(Form);
+            QTest::qWait(20);
+            TQxColumn* Name = Form.Grid()->GetColumns()->Items(1);
+            QCOMPARE(Name->GetFieldName(), Arabic ? QStringLiteral("Name_a") : QStringLiteral("Name_e"));
+            QCOMPARE(Name->GetTitle()->GetCaption(), Arabic ? QStringLiteral("الاسم") : QStringLiteral("Name"));
+            QCOMPARE(FooterText(Form, 1), Arabic ? QStringLiteral("عدد العملاء: 300") : QStringLiteral("300 customers"));
+            QCOMPARE(W<QComboBox>(Form, "xCity_id")->currentText(), CityName(Arabic ? "Name_a" : "Name_e"));
+            QCOMPARE(Form.DataSet()->FieldByName(QStringLiteral("City_id"))->DisplayText(), CityName(Arabic ? "Name_a" : "Name_e"));
+            QCOMPARE(Form.layoutDirection(), Arabic ? Qt::RightToLeft : Qt::LeftToRight);
+        }
+    }
+
     void editName_data() { KeshTest::AddDriverRows(); }
     // A name changed in the card and saved with Ctrl+S is what the database holds.
     void editName()
@@ -178,6 +248,36 @@ private Q_SLOTS:
         QCOMPARE(Form.DataSet()->State(), dsBrowse);
         QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_a FROM Customers WHERE Cust_id = 5")).toString(), Arabic);
         QCOMPARE(Db.Scalar(QStringLiteral("SELECT Name_e FROM Customers WHERE Cust_id = 5")).toString(), English);
+    }
+
+    // F3 opens the calendar on the joining date; the next month picked there and OK: the
+    // card shows the day a month later, and Save writes it.
+    void pickJoinedDate()
+    {
+        QString Reason;
+        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
+        QVERIFY2(Db, qPrintable(Reason));
+        TSample Sample(*Db);
+        Demo::TCustomersForm Form(Sample.Context);
+        ShowForm(Form);
+        QVERIFY(Form.DataSet()->Locate(QStringLiteral("Cust_id"), 7));
+        const int Joined = Key(Form, "Joined");
+        W<QWidget>(Form, "xName_e")->setFocus();
+        KeshTest::DialogDriver Driver;
+        Driver.OnShown = [](QWidget* Calendar) { QTest::mouseClick(W<QWidget>(*Calendar, "btnNextMonth"), Qt::LeftButton); };
+        Driver.Click(QStringLiteral("btnOk"));
+        QTest::keyClick(W<QWidget>(Form, "xName_e"), Qt::Key_F3);
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(QLatin1Char('\n'))));
+        QCOMPARE(Driver.Seen.size(), 1);
+        QCOMPARE(Form.DataSet()->State(), dsEdit);
+        const int Month = Joined / 100 % 100;
+        const int Expected = (Joined / 10000 + (Month == 12 ? 1 : 0)) * 10000 + (Month % 12 + 1) * 100 + Joined % 100;
+        QCOMPARE(W<TQxdbEditButton>(Form, "xJoined")->Data(), TQxDateField::DateText(Expected));
+        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Joined);
+        ShowForm(Form);  // back to the front after the calendar, as a window manager does
+        QTest::keyClick(W<QWidget>(Form, "xJoined"), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(Form.DataSet()->State(), dsBrowse);
+        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Expected);
     }
 
     void insertCustomer_data() { KeshTest::AddDriverRows(); }

@@ -50,6 +50,8 @@ void TestSampleDb::createsConsistentData()
     QCOMPARE(Conn.DCount(QStringLiteral("Invoices I"),
                          QStringLiteral("ABS(I.Total - (SELECT SUM(L.Line_total) FROM InvoiceLines L WHERE L.Inv_id = I.Inv_id)) > 0.005")), 0);
     QCOMPARE(Conn.DCount(QStringLiteral("Invoices I"),
+                         QStringLiteral("(SELECT COUNT(*) FROM InvoiceLines L WHERE L.Inv_id = I.Inv_id) > 9")), 0);
+    QCOMPARE(Conn.DCount(QStringLiteral("Invoices I"),
                          QStringLiteral("NOT EXISTS (SELECT 1 FROM InvoiceLines L WHERE L.Inv_id = I.Inv_id)")), 0);
     QCOMPARE(Conn.DCount(QStringLiteral("InvoiceLines"), QStringLiteral("ABS(Qty * Price - Line_total) > 0.00501")), 0);
     // Balances are what the credit invoices add up to.

@@ -133,6 +133,34 @@ protected:
     bool CanModify() const override { return true; }
 };
 
+// Rows cycling through Values in one column of any type.
+class TCyclingDataSet : public TDataSet
+{
+public:
+    QVariantList Values;
+    TFieldType Type = ftWideString;
+    int Total = 600;
+    QVariant Raw() const { return ActiveValues().value(0); }
+
+protected:
+    void InternalOpen() override
+    {
+        FieldDefsRef().Clear();
+        FieldDefsRef().Add(QStringLiteral("V"), Type);
+    }
+    int InternalFetch(int MaxRows) override
+    {
+        int Got = 0;
+        for (; Got < MaxRows && m_produced < Total; ++Got, ++m_produced)
+            AppendRow()[0] = Values[m_produced % Values.size()];
+        return Got;
+    }
+    bool CanModify() const override { return true; }
+
+private:
+    int m_produced = 0;
+};
+
 } // namespace
 
 class TestDataSet : public QObject
@@ -661,6 +689,63 @@ private Q_SLOTS:
         QCOMPARE(Ds->ChangeCount(), 1);  // the refused insert stays logged
         Ds->MergeChangeLog();
         QCOMPARE(Ds->ChangeCount(), 0);
+    }
+
+    // Each row gives back the value it was given, of its own type, however the column
+    // keeps them: numbers of two types side by side, texts turning from Latin-1 to wider
+    // ones within a block; and so again after half the rows are rewritten through the
+    // field with the next value (which the field turns into its own type).
+    void storedValuesKeepTheirType_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QVariantList>("values");
+        const QVariant NullDouble(QMetaType::fromType<double>());
+        QTest::newRow("doubles, whole values as integers")
+            << int(ftFloat) << QVariantList{0.25, qlonglong(1), 2.5, qlonglong(-7), NullDouble};
+        QTest::newRow("integers, some doubles") << int(ftLargeint) << QVariantList{qlonglong(3), qlonglong(1) << 40, 2.0};
+        QTest::newRow("int and unsigned") << int(ftLargeint) << QVariantList{int(-1), uint(4000000000u)};
+        QTest::newRow("three number types") << int(ftFloat) << QVariantList{1, 0.5, qlonglong(1) << 40};
+        QTest::newRow("numbers and a text") << int(ftWideString) << QVariantList{1.5, qlonglong(2), QStringLiteral("3")};
+        QTest::newRow("Latin-1, then Arabic")
+            << int(ftWideString)
+            << QVariantList{QStringLiteral("Item 1"), QStringLiteral("caf\u00e9 \u00ff"), QStringLiteral("\u062f\u0641\u062a\u0631"), QString()};
+        QTest::newRow("Arabic first") << int(ftWideString)
+                                      << QVariantList{QStringLiteral("\u062f\u0641\u062a\u0631"), QStringLiteral("abc"), QString(QLatin1String(""))};
+        QTest::newRow("texts and nulls") << int(ftWideString) << QVariantList{QStringLiteral("x"), QVariant(QMetaType::fromType<QString>())};
+    }
+    void storedValuesKeepTheirType()
+    {
+        QFETCH(int, type);
+        QFETCH(QVariantList, values);
+        TCyclingDataSet Ds;
+        Ds.Type = TFieldType(type);
+        Ds.Values = values;
+        Ds.Open();
+        QCOMPARE(Ds.RecordCount(), Ds.Total);
+        TField* V = Ds.Fields()[0];
+        auto Check = [&](bool Rewritten) {
+            int N = 0;
+            for (Ds.First(); !Ds.Eof(); Ds.Next(), ++N) {
+                QVariant Want = values[(N + (Rewritten && N < Ds.Total / 2 ? 1 : 0)) % values.size()];
+                if (Rewritten && N < Ds.Total / 2 && !Want.isNull())
+                    Want.convert(TField::ValueType(Ds.Type));
+                const QVariant Got = Ds.Raw();
+                const bool Same = Got.isNull() == Want.isNull() && (Got.isNull() || (Got.metaType() == Want.metaType() && Got == Want));
+                if (!Same)
+                    return QStringLiteral("row %1: %2 (%3) instead of %4 (%5)")
+                        .arg(N).arg(Got.toString(), QString::fromLatin1(Got.typeName()), Want.toString(),
+                                    QString::fromLatin1(Want.typeName()));
+            }
+            return QString();
+        };
+        QCOMPARE(Check(false), QString());
+        Ds.First();
+        for (int N = 0; N < Ds.Total / 2; ++N, Ds.Next()) {
+            Ds.Edit();
+            V->SetValue(values[(N + 1) % values.size()]);
+            Ds.Post();
+        }
+        QCOMPARE(Check(true), QString());
     }
 
     void mixedValuesInOneColumn()

@@ -390,6 +390,47 @@ private Q_SLOTS:
         QCOMPARE(double(Totals.Value(0)), 0.0);
     }
 
+    // Fields given again in another order (a grid's columns moved) keep their sums at once,
+    // without summing the rows again; another set of fields is summed anew.
+    void reorderedFields_data()
+    {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<bool>("again");  // summed anew
+        QTest::newRow("swapped") << QStringList{QStringLiteral("B"), QString(), QStringLiteral("A")} << false;
+        QTest::newRow("gap moved") << QStringList{QString(), QStringLiteral("A"), QStringLiteral("B")} << false;
+        QTest::newRow("another field") << QStringList{QStringLiteral("A"), QString(), QStringLiteral("C")} << true;
+        QTest::newRow("one more slot") << QStringList{QStringLiteral("A"), QString(), QStringLiteral("B"), QString()} << true;
+    }
+    void reorderedFields()
+    {
+        QFETCH(QStringList, names);
+        QFETCH(bool, again);
+        QString Reason;
+        auto Db = KeshTest::TTestDatabase::Open(QStringLiteral("sqlite"), Reason);
+        QVERIFY2(Db, qPrintable(Reason));
+        const QString T = Db->NewTable(QStringLiteral("Id INTEGER PRIMARY KEY, A INTEGER, B INTEGER, C INTEGER"));
+        QVERIFY(Db->Exec(QStringLiteral("WITH RECURSIVE N(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM N WHERE i < 3000) "
+                                         "INSERT INTO %1 SELECT i, i, 2 * i, 3 * i FROM N").arg(T)));
+        TADOQuery Q;
+        Q.SetConnection(Db->Connection());
+        Q.SetSQL({QStringLiteral("SELECT * FROM %1").arg(T)});
+        Q.Open();
+        TDataSetTotals Totals;
+        Totals.SetDataSet(&Q);
+        Totals.SetFieldNames({QStringLiteral("A"), QString(), QStringLiteral("B")});
+        QTRY_VERIFY_WITH_TIMEOUT(Totals.Ready(), 20000);
+        QVERIFY(!Q.FetchedAll());
+        const std::map<QString, double> Sum{{QString(), 0.0}, {QStringLiteral("A"), 4501500.0},
+                                            {QStringLiteral("B"), 9003000.0}, {QStringLiteral("C"), 13504500.0}};
+        Totals.SetFieldNames(names);
+        if (!again)
+            QVERIFY(Totals.Ready());  // nothing to compute
+        QTRY_VERIFY_WITH_TIMEOUT(Totals.Ready(), 20000);
+        for (int i = 0; i < names.size(); ++i)
+            QCOMPARE(double(Totals.Value(i)), Sum.at(names[i]));
+        QVERIFY(!Q.FetchedAll());
+    }
+
     // Changed is emitted once per change of a value, not for changes that leave it alone.
     void changedSignal()
     {

@@ -584,6 +584,28 @@ void TDataSetTotals::SetFieldNames(const QStringList& Names)
 {
     if (Names == d->names)
         return;
+    // The same fields in another order (a grid's columns moved): the known sums go along.
+    QStringList Was = d->names, Now = Names;
+    Was.removeAll(QString());
+    Now.removeAll(QString());
+    std::sort(Was.begin(), Was.end());
+    std::sort(Now.begin(), Now.end());
+    if (d->ready && !d->job && Was == Now && Names.size() == d->names.size()) {
+        std::vector<TExactSum> Sums(size_t(Names.size()));
+        std::vector<bool> Taken(size_t(d->names.size()));
+        for (int i = 0; i < Names.size(); ++i)
+            for (int j = 0; !Names[i].isEmpty() && j < d->names.size(); ++j)
+                if (!Taken[size_t(j)] && d->names[j] == Names[i]) {
+                    Taken[size_t(j)] = true;
+                    Sums[size_t(i)] = d->sums[size_t(j)];
+                    break;
+                }
+        d->names = Names;
+        d->ResolveColumns();
+        d->sums = std::move(Sums);
+        Q_EMIT Changed();
+        return;
+    }
     d->names = Names;
     Recalculate();
 }

@@ -14,9 +14,12 @@
 namespace Kesh::Detail {
 
 // One column of a chunk of 256 rows. Values of one simple type are kept unboxed: 8-byte
-// numbers and booleans, or text packed in one UTF-16 buffer, with a null bitmap; a column
-// that mixes types falls back to QVariants. A million rows so cost a fraction of one
-// QVariant (32 bytes, plus a heap block per string) each.
+// numbers and booleans, or text packed in one buffer (one byte a character while the texts
+// are Latin-1, else UTF-16), with a null bitmap; a number column may mix two number types
+// (SQLite's NUMERIC gives whole values as integers, others as doubles), each row's type
+// then kept in a second bitmap; a column that mixes other types falls back to QVariants.
+// A million rows so cost a fraction of one QVariant (32 bytes, plus a heap block per
+// string) each.
 class TColumnBlock
 {
 public:
@@ -28,11 +31,14 @@ public:
         case Empty:
             return QVariant();
         case Scalar:
-            return m_nulls.test(R) ? QVariant(QMetaType(m_type)) : FromScalar(m_scalars[R]);
+            return m_nulls.test(R) ? QVariant(QMetaType(m_type))
+                                   : FromScalar(m_scalars[R], m_alt && m_alt->test(R) ? m_altType : m_type);
         case String: {
             if (m_nulls.test(R))
                 return QVariant(QMetaType::fromType<QString>());
             const TSpan& S = m_spans[R];
+            if (!m_wide)
+                return QVariant(QString::fromLatin1(m_text8.data() + S.Start, qsizetype(S.Length)));
             return QVariant(QString(reinterpret_cast<const QChar*>(m_text.data() + S.Start), qsizetype(S.Length)));
         }
         default:
@@ -49,7 +55,7 @@ public:
             if (V.isNull())
                 m_nulls.set(R);
             else if (m_kind == Scalar)
-                SetScalar(R, ToScalar(V));
+                SetScalar(R, ToScalar(V, Type), false);
             else
                 SetText(R, *static_cast<const QString*>(V.constData()));
             return;
@@ -68,16 +74,31 @@ public:
                 return;
             }
         }
+        if (m_kind == Scalar && IsScalarType(Type) && (m_altType == 0 || m_altType == Type)) {
+            m_altType = Type;
+            SetScalar(R, ToScalar(V, Type), true);
+            return;
+        }
         if (m_kind != Variant)
             ToVariants();
         m_variants[R] = V;
     }
 
+    // Rows come in bulk (a chunk before this one is full): the arrays take the whole chunk
+    // at once instead of growing to it. Only before the first value.
+    void ReserveChunk()
+    {
+        if (m_kind == Empty)
+            m_capacity = Rows;
+    }
+
     // The chunk is full: give back what its text buffer reserved beyond its size.
     void Seal()
     {
-        if (m_kind == String)
+        if (m_kind == String) {
             m_text.shrink_to_fit();
+            m_text8.shrink_to_fit();
+        }
     }
 
 private:
@@ -88,23 +109,54 @@ private:
         quint32 Length;
     };
 
-    void SetScalar(int R, quint64 Bits)
+    void SetScalar(int R, quint64 Bits, bool Alt)
     {
         m_scalars[R] = Bits;
         m_nulls.reset(R);
+        if (Alt && !m_alt)
+            m_alt = std::make_unique<std::bitset<Rows>>();
+        if (m_alt)
+            m_alt->set(size_t(R), Alt);
     }
+    static bool IsLatin1(const QString& Text)
+    {
+        for (const QChar C : Text)
+            if (C.unicode() > 0xFF)
+                return false;
+        return true;
+    }
+    size_t TextSize() const { return m_wide ? m_text.size() : m_text8.size(); }
     void SetText(int R, const QString& Text)
     {
         if (!m_nulls.test(R))
             m_garbage += m_spans[R].Length;  // an overwritten text stays until the buffer is packed
-        if (m_garbage > 4096 && m_garbage > m_text.size() / 2)
+        if (m_garbage > 4096 && m_garbage > TextSize() / 2)
             Pack();
-        const auto* Chars = reinterpret_cast<const char16_t*>(Text.utf16());
-        if (m_text.capacity() == 0)
-            m_text.reserve(size_t(m_capacity) * (size_t(Text.size()) + 4));  // texts of a column are alike
-        m_spans[R] = {quint32(m_text.size()), quint32(Text.size())};
-        m_text.insert(m_text.end(), Chars, Chars + Text.size());
+        if (!m_wide && !IsLatin1(Text))
+            Widen();
+        const size_t Start = TextSize();
+        if (m_text.capacity() == 0 && m_text8.capacity() == 0) {
+            const size_t Reserve = size_t(m_capacity) * (size_t(Text.size()) + 4);  // texts of a column are alike
+            m_wide ? m_text.reserve(Reserve) : m_text8.reserve(Reserve);
+        }
+        if (m_wide) {
+            const auto* Chars = reinterpret_cast<const char16_t*>(Text.utf16());
+            m_text.insert(m_text.end(), Chars, Chars + Text.size());
+        } else {
+            for (const QChar C : Text)
+                m_text8.push_back(char(C.unicode()));
+        }
+        m_spans[R] = {quint32(Start), quint32(Text.size())};
         m_nulls.reset(R);
+    }
+    // A text beyond Latin-1 came: every text of the block goes to UTF-16.
+    void Widen()
+    {
+        m_text.reserve(m_text8.capacity());
+        for (const char C : m_text8)
+            m_text.push_back(char16_t(quint8(C)));  // a Latin-1 byte is its code point
+        std::vector<char>().swap(m_text8);
+        m_wide = true;
     }
     // Small results stay small: the arrays grow to the 256 rows of a chunk as rows come.
     void Grow(int R)
@@ -125,17 +177,20 @@ private:
     }
     void Pack()
     {
-        std::vector<char16_t> Text;
-        Text.reserve(m_text.size() - m_garbage);
-        for (int R = 0; R < m_capacity; ++R) {
-            if (m_nulls.test(R) || m_spans[R].Length == 0)
-                continue;
-            const quint32 Start = quint32(Text.size());
-            Text.insert(Text.end(), m_text.begin() + m_spans[R].Start,
-                        m_text.begin() + m_spans[R].Start + m_spans[R].Length);
-            m_spans[R].Start = Start;
-        }
-        m_text.swap(Text);
+        auto PackInto = [this](auto& Buffer) {
+            std::remove_reference_t<decltype(Buffer)> Text;
+            Text.reserve(Buffer.size() - m_garbage);
+            for (int R = 0; R < m_capacity; ++R) {
+                if (m_nulls.test(R) || m_spans[R].Length == 0)
+                    continue;
+                const quint32 Start = quint32(Text.size());
+                Text.insert(Text.end(), Buffer.begin() + m_spans[R].Start,
+                            Buffer.begin() + m_spans[R].Start + m_spans[R].Length);
+                m_spans[R].Start = Start;
+            }
+            Buffer.swap(Text);
+        };
+        m_wide ? PackInto(m_text) : PackInto(m_text8);
         m_garbage = 0;
     }
     static bool IsScalarType(int Type)
@@ -148,11 +203,11 @@ private:
             return false;
         }
     }
-    // V holds exactly m_type: read it in place.
-    quint64 ToScalar(const QVariant& V) const
+    // V holds exactly Type: read it in place.
+    static quint64 ToScalar(const QVariant& V, int Type)
     {
         const void* P = V.constData();
-        switch (m_type) {
+        switch (Type) {
         case QMetaType::Double: {
             quint64 Bits;
             std::memcpy(&Bits, P, sizeof Bits);
@@ -164,9 +219,9 @@ private:
         default: return *static_cast<const quint64*>(P);  // LongLong, ULongLong
         }
     }
-    QVariant FromScalar(quint64 Bits) const
+    static QVariant FromScalar(quint64 Bits, int Type)
     {
-        switch (m_type) {
+        switch (Type) {
         case QMetaType::Bool: return QVariant(Bits != 0);
         case QMetaType::Int: return QVariant(int(qint64(Bits)));
         case QMetaType::UInt: return QVariant(uint(Bits));
@@ -201,17 +256,23 @@ private:
         m_variants = std::move(Values);
         m_scalars.reset();
         m_spans.reset();
+        m_alt.reset();
         std::vector<char16_t>().swap(m_text);
+        std::vector<char>().swap(m_text8);
         m_kind = Variant;
     }
 
     Kind m_kind = Empty;
+    bool m_wide = false;  // the text is in m_text (UTF-16), not m_text8 (Latin-1)
     int m_type = 0;
+    int m_altType = 0;    // the second number type of the block, 0 while there is none
     int m_capacity = 16;  // rows the arrays hold
     std::bitset<Rows> m_nulls;
+    std::unique_ptr<std::bitset<Rows>> m_alt;  // rows holding m_altType
     std::unique_ptr<quint64[]> m_scalars;
     std::unique_ptr<TSpan[]> m_spans;
     std::vector<char16_t> m_text;
+    std::vector<char> m_text8;
     size_t m_garbage = 0;
     std::unique_ptr<QVariant[]> m_variants;
 };
@@ -308,6 +369,9 @@ private:
                 for (TColumnBlock& B : m_chunks.back())
                     B.Seal();
             m_chunks.emplace_back(size_t(m_columns));
+            if (m_chunks.size() > 1)
+                for (TColumnBlock& B : m_chunks.back())
+                    B.ReserveChunk();
             m_dead.emplace_back();
         }
         return Id;
