@@ -61,6 +61,14 @@ TListForm::~TListForm()
         m_dataSet->Close();
 }
 
+// The browser and the count ask the database itself, which only an SQL dataset on the
+// application's connection reads (not one served by the application server).
+bool TListForm::OnConnection() const
+{
+    const auto* Sql = qobject_cast<const TADODataSet*>(m_dataSet);
+    return Sql && m_context.Conn && Sql->Connection() == m_context.Conn;
+}
+
 TQxForm* TListForm::FormManager() const { return findChild<TQxForm*>(QString(), Qt::FindDirectChildrenOnly); }
 
 void TListForm::Open(TDataSet* DataSet, const TParts& Parts, std::initializer_list<TGridColumn> Columns,
@@ -125,7 +133,7 @@ void TListForm::Open(TDataSet* DataSet, const TParts& Parts, std::initializer_li
         m_footer->CalcColumnsTotal();
         if (Parts.FindButton)
             connect(Parts.FindButton, &QAbstractButton::clicked, this, [this] { Find(); });
-        if (m_context.Conn)
+        if (OnConnection())
             BuildBrowser(BrowserColumns, BrowserA, BrowserE);
         else if (Parts.FindButton)
             Parts.FindButton->setEnabled(false);
@@ -210,7 +218,7 @@ void TListForm::Recount()
 {
     if (!m_dataSet || !m_dataSet->Active()) {
         m_count = 0;
-    } else if (m_dataSet->FetchedAll() || !m_context.Conn) {
+    } else if (m_dataSet->FetchedAll() || !OnConnection()) {
         m_count = m_dataSet->RecordCount();
     } else {
         m_count = m_context.Conn->DCount(m_parts.Table, QString());

@@ -57,7 +57,7 @@ public:
     Kesh::TDataSource* Source() const { return m_source; }
     Kesh::TQxdbGrid* Grid() const { return m_grid; }
     Kesh::TQxdbGridFooter* Footer() const { return m_footer; }
-    /// The look-up browser; nullptr when the data has no SQL connection to search.
+    /// The look-up browser; nullptr unless the data is an SQL dataset on the context's connection.
     Kesh::TQxAdoBrowser* Browser() const { return m_browser; }
     Kesh::TQxForm* FormManager() const;
 
@@ -100,6 +100,7 @@ protected:
 
 private:
     void BuildBrowser(std::initializer_list<TBrowserColumn> Columns, const QString& CaptionA, const QString& CaptionE);
+    bool OnConnection() const;
     void Recount();
     void ShowCount();
 

@@ -17,7 +17,6 @@
 #include <Kesh_dbControls.h>
 #include <Kesh_dbGrid.h>
 
-#include <QAbstractButton>
 #include <QBuffer>
 #include <QComboBox>
 #include <QImage>

@@ -136,6 +136,11 @@ public:
         S.set_read_timeout(Options.TimeOutSeconds);
         S.set_write_timeout(Options.TimeOutSeconds);
         S.set_keep_alive_timeout(5);
+        // An answer's header and body are separate writes: without this the body waits for
+        // the client's delayed acknowledgement of the header (tens of milliseconds a call).
+        S.set_tcp_nodelay(true);
+        // A client reading packets one after another keeps its connection.
+        S.set_keep_alive_max_count(1000);
         S.set_pre_routing_handler([Gate](const httplib::Request& Req, httplib::Response& Res) {
             THttpReply Refusal;
             if (Gate(ToRequest(Req, false), Refusal))
