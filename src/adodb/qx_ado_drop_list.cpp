@@ -10,6 +10,7 @@
 
 #include <QEvent>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QSet>
 
 namespace Kesh {
@@ -27,6 +28,9 @@ TxAdoListSource::TxAdoListSource() : m_query(new TADOQuery)
 
 TxAdoListSource::~TxAdoListSource() = default;
 
+TADOConnection* TxAdoListSource::GetConnection() const { return m_query->Connection(); }
+void TxAdoListSource::SetConnection(TADOConnection* Value) { m_query->SetConnection(Value); }
+
 bool TxAdoListSource::CanRefill() const
 {
     return m_query->Connection() && m_query->Connection()->Connected();
@@ -34,15 +38,15 @@ bool TxAdoListSource::CanRefill() const
 
 QString TxAdoListSource::SelectText()
 {
-    if (!m_query->Connection() || ListKey.isEmpty() || ListField_a.isEmpty() || ListField_e.isEmpty()
-        || ListTable.isEmpty())
+    if (!m_query->Connection() || m_listKey.isEmpty() || m_listFieldA.isEmpty() || m_listFieldE.isEmpty()
+        || m_listTable.isEmpty())
         return QString();
-    QString Text = QStringLiteral("Select ") + ListKey + QStringLiteral(", ") + ListField_a + QStringLiteral(", ")
-        + ListField_e + QStringLiteral(" From ") + ListTable;
-    Criteria = Trim(Criteria);
-    if (!Criteria.isEmpty())
-        Text += QStringLiteral(" Where ") + Criteria;
-    return Text + QStringLiteral(" Order By ") + (OrderBy.isEmpty() ? ListKey : OrderBy);
+    QString Text = QStringLiteral("Select ") + m_listKey + QStringLiteral(", ") + m_listFieldA + QStringLiteral(", ")
+        + m_listFieldE + QStringLiteral(" From ") + m_listTable;
+    m_criteria = Trim(m_criteria);
+    if (!m_criteria.isEmpty())
+        Text += QStringLiteral(" Where ") + m_criteria;
+    return Text + QStringLiteral(" Order By ") + (m_orderBy.isEmpty() ? m_listKey : m_orderBy);
 }
 
 void TxAdoListSource::Fill(TQxCustomLookupCombo* Combo)
@@ -62,7 +66,7 @@ void TxAdoListSource::Fill(TQxCustomLookupCombo* Combo)
         if (Seen.contains(Key))
             continue;  // the first row of a key wins
         Seen.insert(Key);
-        const QString Prefix = ShowKey ? Key + QStringLiteral(": ") : QString();
+        const QString Prefix = m_showKey ? Key + QStringLiteral(": ") : QString();
         Keys << Key;
         TextsA << Prefix + m_query->Fields()[1]->AsString();
         TextsE << Prefix + m_query->Fields()[2]->AsString();
@@ -74,18 +78,26 @@ void TxAdoListSource::Fill(TQxCustomLookupCombo* Combo)
     Combo->SetItems_e(TextsE);
 }
 
+void TxAdoListSource::Refill(TQxCustomLookupCombo* Combo)
+{
+    if (m_busy)
+        return;
+    const QScopedValueRollback<bool> Busy(m_busy, true);
+    const QString Key = Combo->Data();
+    Combo->Clear();
+    Fill(Combo);
+    Combo->SetData(Key);
+}
+
 // ---------------------------------------------------------------------------------------------
 // TQxAdoDropList
 
 TQxAdoDropList::TQxAdoDropList(QWidget* Parent) : TQxCustomLookupCombo(Parent) {}
 TQxAdoDropList::~TQxAdoDropList() = default;
 
-TADOConnection* TQxAdoDropList::GetConnection() const { return m_src.Query()->Connection(); }
-void TQxAdoDropList::SetConnection(TADOConnection* Value) { m_src.Query()->SetConnection(Value); }
-
 void TQxAdoDropList::FillDataList()
 {
-    m_src.Fill(this);
+    Fill(this);
 }
 
 void TQxAdoDropList::Requery()
@@ -96,19 +108,8 @@ void TQxAdoDropList::Requery()
 
 void TQxAdoDropList::Rebuild()
 {
-    if (m_src.Busy || !m_src.CanRefill() || IsDesigning(this))
-        return;
-    m_src.Busy = true;
-    const QString Key = Data();
-    try {
-        Clear();
-        FillDataList();
-        SetData(Key);
-    } catch (...) {
-        m_src.Busy = false;
-        throw;
-    }
-    m_src.Busy = false;
+    if (CanRefill() && !IsDesigning(this))
+        Refill(this);
 }
 
 void TQxAdoDropList::SetBiDiMode(TBiDiMode Value)
@@ -158,7 +159,7 @@ TQxAdoLookupDropList::TQxAdoLookupDropList(QWidget* Parent)
     d->DataLink.SetControl(this);
     d->DataLink.OnDataChange = [this](TFieldDataLink*) { FieldDataChange(); };
     connect(this, &TQxCustomLookupCombo::DataChanged, this, [this] {
-        if (!d->Showing && !m_src.Busy)
+        if (!d->Showing && !Refilling())
             Change();
     });
 }
@@ -169,8 +170,6 @@ TQxAdoLookupDropList::~TQxAdoLookupDropList()
     disconnect(d->SourceGone);
 }
 
-TADOConnection* TQxAdoLookupDropList::GetConnection() const { return m_src.Query()->Connection(); }
-void TQxAdoLookupDropList::SetConnection(TADOConnection* Value) { m_src.Query()->SetConnection(Value); }
 QString TQxAdoLookupDropList::GetDataField() const { return d->DataLink.FieldName(); }
 void TQxAdoLookupDropList::SetDataField(const QString& Value) { d->DataLink.SetFieldName(Value); }
 TDataSource* TQxAdoLookupDropList::GetDataSource() const { return d->Source; }
@@ -190,41 +189,30 @@ void TQxAdoLookupDropList::SetDataSource(TDataSource* Value)
 
 void TQxAdoLookupDropList::FillDataList()
 {
-    m_src.Fill(this);
+    Fill(this);
 }
 
 void TQxAdoLookupDropList::Requery()
 {
     if (IsDesigning(this))
         return;
-    if (!m_src.Query()->Connection())
+    if (!Query()->Connection())
         RaiseError(objectName() + QStringLiteral(": No connection assigned."));
-    if (!m_src.CanRefill() || m_src.Busy)
-        return;
-    m_src.Busy = true;
-    const QString Key = Data();
-    try {
-        Clear();
-        FillDataList();
-        SetData(Key);
-    } catch (...) {
-        m_src.Busy = false;
-        throw;
-    }
-    m_src.Busy = false;
+    if (CanRefill())
+        Refill(this);
 }
 
 void TQxAdoLookupDropList::SetBiDiMode(TBiDiMode Value)
 {
     TQxCustomLookupCombo::SetBiDiMode(Value);
-    if (m_src.CanRefill())
+    if (CanRefill())
         Requery();
 }
 
 void TQxAdoLookupDropList::changeEvent(QEvent* Event)
 {
     TQxCustomLookupCombo::changeEvent(Event);
-    if (Event->type() == QEvent::LayoutDirectionChange && m_src.CanRefill())
+    if (Event->type() == QEvent::LayoutDirectionChange && CanRefill())
         Requery();
 }
 
@@ -235,7 +223,7 @@ void TQxAdoLookupDropList::FieldDataChange()
         return;
     d->Showing = true;
     try {
-        if (count() == 0 && !m_src.Busy)
+        if (count() == 0 && !Refilling())
             FillDataList();
         SetData(F->DataType() == ftBoolean && !F->IsNull() ? BoolToStr(F->AsBoolean()) : F->AsString());
     } catch (...) {

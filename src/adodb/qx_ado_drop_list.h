@@ -14,17 +14,47 @@ class TADOQuery;
 class TDataSource;
 class TField;
 
-/// The query and the filling both drop lists share.
+// The published properties of the list a drop list fills from a table, on the accessors of
+// TxAdoListSource (the plain drop list adds _OrderBy).
+#define KESH_ADO_LIST_PROPERTIES                                                         \
+    Q_PROPERTY(Kesh::TADOConnection* _Connection READ GetConnection WRITE SetConnection) \
+    Q_PROPERTY(QString _ListTable READ GetListTable WRITE SetListTable)                  \
+    Q_PROPERTY(QString _ListKey READ GetListKey WRITE SetListKey)                        \
+    Q_PROPERTY(QString _ListField_a READ GetListField_a WRITE SetListField_a)            \
+    Q_PROPERTY(QString _ListField_e READ GetListField_e WRITE SetListField_e)            \
+    Q_PROPERTY(QString _Criteria READ GetCriteria WRITE SetCriteria)                     \
+    Q_PROPERTY(bool _ShowKey READ GetShowKey WRITE SetShowKey)
+
+/// What both drop lists share: the table, key and name columns they list, the query that
+/// reads them, and the filling.
 class KESH_EXPORT TxAdoListSource
 {
 public:
-    TxAdoListSource();
-    ~TxAdoListSource();
-
+    QString GetListKey() const { return m_listKey; }
+    void SetListKey(const QString& Value) { m_listKey = Value; }
+    QString GetListField_a() const { return m_listFieldA; }
+    void SetListField_a(const QString& Value) { m_listFieldA = Value; }
+    QString GetListField_e() const { return m_listFieldE; }
+    void SetListField_e(const QString& Value) { m_listFieldE = Value; }
+    /// Entries read "key: name" (true) or show the name alone.
+    bool GetShowKey() const { return m_showKey; }
+    void SetShowKey(bool Value) { m_showKey = Value; }
+    QString GetListTable() const { return m_listTable; }
+    void SetListTable(const QString& Value) { m_listTable = Value; }
+    QString GetCriteria() const { return m_criteria; }
+    void SetCriteria(const QString& Value) { m_criteria = Value; }
+    /// ORDER BY text; empty orders by the key.
+    QString GetOrderBy() const { return m_orderBy; }
+    void SetOrderBy(const QString& Value) { m_orderBy = Value; }
+    TADOConnection* GetConnection() const;
+    void SetConnection(TADOConnection* Value);
     TADOQuery* Query() const { return m_query.get(); }
-    QString ListKey, ListField_a, ListField_e, ListTable, Criteria, OrderBy;
-    bool ShowKey = true;
-    bool Busy = false;
+
+protected:
+    TxAdoListSource();
+    virtual ~TxAdoListSource();
+    TxAdoListSource(const TxAdoListSource&) = delete;
+    TxAdoListSource& operator=(const TxAdoListSource&) = delete;
 
     /// "Select key, Arabic, English From table[ Where criteria] Order By order-or-key";
     /// empty while the connection or one of the four names is missing. Criteria is trimmed
@@ -34,50 +64,32 @@ public:
     /// key wins), "key: name" or the name alone, Arabic names for the right-to-left
     /// captions and English ones for the left-to-right captions. A query error passes on.
     void Fill(TQxCustomLookupCombo* Combo);
+    /// Empties Combo and fills it again, the chosen key kept; nothing while a refill runs.
+    void Refill(TQxCustomLookupCombo* Combo);
     /// The connection is set and open.
     bool CanRefill() const;
+    /// A refill is running (the entries it changes are not the user's choice).
+    bool Refilling() const { return m_busy; }
 
 private:
     std::unique_ptr<TADOQuery> m_query;
+    QString m_listKey, m_listFieldA, m_listFieldE, m_listTable, m_criteria, m_orderBy;
+    bool m_showKey = true;
+    bool m_busy = false;
 };
 
 /// A drop list of the rows of a table: shows the name in the user's language (after the key
 /// and ": " with _ShowKey) and gives the key as Data. Switching the language refills it,
 /// keeping the chosen key.
-class KESH_EXPORT TQxAdoDropList : public TQxCustomLookupCombo
+class KESH_EXPORT TQxAdoDropList : public TQxCustomLookupCombo, public TxAdoListSource
 {
     Q_OBJECT
-    Q_PROPERTY(QString _ListKey READ GetListKey WRITE SetListKey)
-    Q_PROPERTY(QString _ListField_e READ GetListField_e WRITE SetListField_e)
-    Q_PROPERTY(QString _ListField_a READ GetListField_a WRITE SetListField_a)
-    Q_PROPERTY(bool _ShowKey READ GetShowKey WRITE SetShowKey)
-    Q_PROPERTY(QString _ListTable READ GetListTable WRITE SetListTable)
-    Q_PROPERTY(QString _Criteria READ GetCriteria WRITE SetCriteria)
+    KESH_ADO_LIST_PROPERTIES
     Q_PROPERTY(QString _OrderBy READ GetOrderBy WRITE SetOrderBy)
-    Q_PROPERTY(Kesh::TADOConnection* _Connection READ GetConnection WRITE SetConnection)
 
 public:
     explicit TQxAdoDropList(QWidget* Parent = nullptr);
     ~TQxAdoDropList() override;
-
-    QString GetListKey() const { return m_src.ListKey; }
-    void SetListKey(const QString& Value) { m_src.ListKey = Value; }
-    QString GetListField_e() const { return m_src.ListField_e; }
-    void SetListField_e(const QString& Value) { m_src.ListField_e = Value; }
-    QString GetListField_a() const { return m_src.ListField_a; }
-    void SetListField_a(const QString& Value) { m_src.ListField_a = Value; }
-    bool GetShowKey() const { return m_src.ShowKey; }
-    void SetShowKey(bool Value) { m_src.ShowKey = Value; }
-    QString GetListTable() const { return m_src.ListTable; }
-    void SetListTable(const QString& Value) { m_src.ListTable = Value; }
-    QString GetCriteria() const { return m_src.Criteria; }
-    void SetCriteria(const QString& Value) { m_src.Criteria = Value; }
-    /// ORDER BY text; empty orders by the key.
-    QString GetOrderBy() const { return m_src.OrderBy; }
-    void SetOrderBy(const QString& Value) { m_src.OrderBy = Value; }
-    TADOConnection* GetConnection() const;
-    void SetConnection(TADOConnection* Value);
-    TADOQuery* Query() const { return m_src.Query(); }
 
     /// Fills the list from the table (nothing while the configuration is incomplete).
     void FillDataList();
@@ -91,44 +103,23 @@ protected:
 
 private:
     void Rebuild();
-    TxAdoListSource m_src;
 };
 
 /// The data-aware drop list: it shows the key held in _DataField of _DataSource's dataset
 /// and writes the key the user picks back into that field (a Boolean field gets the key
 /// read as a Boolean). Always ordered by the key.
-class KESH_EXPORT TQxAdoLookupDropList : public TQxCustomLookupCombo
+class KESH_EXPORT TQxAdoLookupDropList : public TQxCustomLookupCombo, public TxAdoListSource
 {
     Q_OBJECT
-    Q_PROPERTY(Kesh::TADOConnection* _Connection READ GetConnection WRITE SetConnection)
-    Q_PROPERTY(QString _ListTable READ GetListTable WRITE SetListTable)
-    Q_PROPERTY(QString _ListKey READ GetListKey WRITE SetListKey)
-    Q_PROPERTY(QString _ListField_a READ GetListField_a WRITE SetListField_a)
-    Q_PROPERTY(QString _ListField_e READ GetListField_e WRITE SetListField_e)
-    Q_PROPERTY(QString _Criteria READ GetCriteria WRITE SetCriteria)
+    KESH_ADO_LIST_PROPERTIES
     Q_PROPERTY(QString _DataField READ GetDataField WRITE SetDataField)
     Q_PROPERTY(Kesh::TDataSource* _DataSource READ GetDataSource WRITE SetDataSource)
-    Q_PROPERTY(bool _ShowKey READ GetShowKey WRITE SetShowKey)
     Q_PROPERTY(int ItemIndex READ currentIndex WRITE setCurrentIndex)
 
 public:
     explicit TQxAdoLookupDropList(QWidget* Parent = nullptr);
     ~TQxAdoLookupDropList() override;
 
-    TADOConnection* GetConnection() const;
-    void SetConnection(TADOConnection* Value);
-    QString GetListTable() const { return m_src.ListTable; }
-    void SetListTable(const QString& Value) { m_src.ListTable = Value; }
-    QString GetListKey() const { return m_src.ListKey; }
-    void SetListKey(const QString& Value) { m_src.ListKey = Value; }
-    QString GetListField_a() const { return m_src.ListField_a; }
-    void SetListField_a(const QString& Value) { m_src.ListField_a = Value; }
-    QString GetListField_e() const { return m_src.ListField_e; }
-    void SetListField_e(const QString& Value) { m_src.ListField_e = Value; }
-    QString GetCriteria() const { return m_src.Criteria; }
-    void SetCriteria(const QString& Value) { m_src.Criteria = Value; }
-    bool GetShowKey() const { return m_src.ShowKey; }
-    void SetShowKey(bool Value) { m_src.ShowKey = Value; }
     QString GetDataField() const;
     void SetDataField(const QString& Value);
     TDataSource* GetDataSource() const;
@@ -136,7 +127,6 @@ public:
     void SetDataSource(TDataSource* Value);
     /// The linked field, or nullptr.
     TField* Field() const;
-    TADOQuery* Query() const { return m_src.Query(); }
 
     void FillDataList();
     /// Refills keeping the key; without a connection: "<name>: No connection assigned." and
@@ -153,7 +143,6 @@ protected:
 
 private:
     std::unique_ptr<class TQxAdoLookupDropListPrivate> const d;
-    TxAdoListSource m_src;
 };
 
 } // namespace Kesh

@@ -39,41 +39,24 @@ void WriteOnExit(QObject* Control, TFieldDataLink& Link)
 
 struct TQxdbCheckBoxPrivate
 {
-    TFieldDataLink Link;
     QString ValueChecked = QStringLiteral("True");
     QString ValueUnchecked = QStringLiteral("False");
 };
 
-TQxdbCheckBox::TQxdbCheckBox(QWidget* Parent) : TQxCheckBox(Parent), d(new TQxdbCheckBoxPrivate)
+TQxdbCheckBox::TQxdbCheckBox(QWidget* Parent) : TQxCheckBox(Parent), TxFieldBinding(this), d(new TQxdbCheckBoxPrivate)
 {
-    d->Link.SetControl(this);
-    d->Link.OnDataChange = [this](TFieldDataLink*) { FieldDataChange(); };
-    d->Link.OnActiveChange = [this](TFieldDataLink*) { FieldDataChange(); };
-    d->Link.OnUpdateData = [this](TFieldDataLink*) { UpdateData(); };
+    DataLink()->OnDataChange = [this](TFieldDataLink*) { FieldDataChange(); };
+    DataLink()->OnActiveChange = [this](TFieldDataLink*) { FieldDataChange(); };
+    DataLink()->OnUpdateData = [this](TFieldDataLink*) { UpdateData(); };
 }
 
-TQxdbCheckBox::~TQxdbCheckBox()
-{
-    d->Link.OnDataChange = nullptr;
-    d->Link.OnActiveChange = nullptr;
-    d->Link.SetDataSource(nullptr);
-}
+TQxdbCheckBox::~TQxdbCheckBox() = default;
 
-QString TQxdbCheckBox::GetDataField() const { return d->Link.FieldName(); }
-void TQxdbCheckBox::SetDataField(const QString& Value)
+void TQxdbCheckBox::DataFieldChanged(const QString& Value)
 {
-    d->Link.SetFieldName(Value);
     NameAfterField(this, Value);
-    FieldDataChange();
 }
-TDataSource* TQxdbCheckBox::GetDataSource() const { return d->Link.DataSource(); }
-void TQxdbCheckBox::SetDataSource(TDataSource* Value)
-{
-    d->Link.SetDataSource(Value);
-    FieldDataChange();
-}
-bool TQxdbCheckBox::GetReadOnly() const { return d->Link.ReadOnly(); }
-void TQxdbCheckBox::SetReadOnly(bool Value) { d->Link.SetReadOnly(Value); }
+
 QString TQxdbCheckBox::GetValueChecked() const { return d->ValueChecked; }
 void TQxdbCheckBox::SetValueChecked(const QString& Value)
 {
@@ -86,7 +69,6 @@ void TQxdbCheckBox::SetValueUnchecked(const QString& Value)
     d->ValueUnchecked = Value;
     FieldDataChange();
 }
-TField* TQxdbCheckBox::Field() const { return d->Link.Field(); }
 
 bool TQxdbCheckBox::ValueMatches(const QString& Value, const QString& List)
 {
@@ -118,68 +100,46 @@ void TQxdbCheckBox::UpdateData()
 // A click toggles only when the dataset takes the change.
 void TQxdbCheckBox::nextCheckState()
 {
-    if (!Field() || !d->Link.CanModify() || !StartEditing(this, d->Link))
+    if (!Field() || !DataLink()->CanModify() || !StartEditing(this, *DataLink()))
         return;
     TQxCheckBox::nextCheckState();
-    d->Link.Modified();
+    DataLink()->Modified();
 }
 
 void TQxdbCheckBox::focusOutEvent(QFocusEvent* Event)
 {
     TQxCheckBox::focusOutEvent(Event);
-    WriteOnExit(this, d->Link);
+    WriteOnExit(this, *DataLink());
 }
 
 // ---- TQxdbRadioGroup
 
 struct TQxdbRadioGroupPrivate
 {
-    TFieldDataLink Link;
     QString Value;
     QStringList Values;
     bool InSetValue = false;
 };
 
-TQxdbRadioGroup::TQxdbRadioGroup(QWidget* Parent) : TQxRadioGroup(Parent), d(new TQxdbRadioGroupPrivate)
+TQxdbRadioGroup::TQxdbRadioGroup(QWidget* Parent) : TQxRadioGroup(Parent), TxFieldBinding(this), d(new TQxdbRadioGroupPrivate)
 {
-    d->Link.SetControl(this);
-    d->Link.OnDataChange = [this](TFieldDataLink*) { SetValue(Field() ? Field()->Text() : QString()); };
-    d->Link.OnActiveChange = d->Link.OnDataChange;
-    d->Link.OnUpdateData = [this](TFieldDataLink*) { Field()->SetText(d->Value); };
+    DataLink()->OnDataChange = [this](TFieldDataLink*) { SetValue(Field() ? Field()->Text() : QString()); };
+    DataLink()->OnActiveChange = DataLink()->OnDataChange;
+    DataLink()->OnUpdateData = [this](TFieldDataLink*) { Field()->SetText(d->Value); };
     connect(this, &TQxRadioGroup::ItemIndexChanged, this, [this](int Index) {
         if (!d->InSetValue)
             Chosen(Index);
     });
 }
 
-TQxdbRadioGroup::~TQxdbRadioGroup()
-{
-    d->Link.OnDataChange = nullptr;
-    d->Link.OnActiveChange = nullptr;
-    d->Link.SetDataSource(nullptr);
-}
+TQxdbRadioGroup::~TQxdbRadioGroup() = default;
 
-QString TQxdbRadioGroup::GetDataField() const { return d->Link.FieldName(); }
-void TQxdbRadioGroup::SetDataField(const QString& Value)
-{
-    d->Link.SetFieldName(Value);
-    d->Link.Reset();
-}
-TDataSource* TQxdbRadioGroup::GetDataSource() const { return d->Link.DataSource(); }
-void TQxdbRadioGroup::SetDataSource(TDataSource* Value)
-{
-    d->Link.SetDataSource(Value);
-    d->Link.Reset();
-}
-bool TQxdbRadioGroup::GetReadOnly() const { return d->Link.ReadOnly(); }
-void TQxdbRadioGroup::SetReadOnly(bool Value) { d->Link.SetReadOnly(Value); }
 QStringList TQxdbRadioGroup::GetValues() const { return d->Values; }
 void TQxdbRadioGroup::SetValues(const QStringList& Value)
 {
     d->Values = Value;
-    d->Link.Reset();
+    DataLink()->Reset();
 }
-TField* TQxdbRadioGroup::Field() const { return d->Link.Field(); }
 QString TQxdbRadioGroup::GetValue() const { return d->Value; }
 
 QString TQxdbRadioGroup::GetButtonValue(int Index) const
@@ -219,15 +179,15 @@ void TQxdbRadioGroup::Select(const QString& Value)
 // The user chose button Index: the dataset goes into edit mode first, or the choice goes back.
 void TQxdbRadioGroup::Chosen(int Index)
 {
-    if (Field() && !(d->Link.CanModify() && StartEditing(this, d->Link))) {
+    if (Field() && !(DataLink()->CanModify() && StartEditing(this, *DataLink()))) {
         Select(d->Value);
         Beep();
         return;
     }
     if (Index >= 0)
         SetValue(GetButtonValue(Index));
-    if (d->Link.Editing())
-        d->Link.Modified();
+    if (DataLink()->Editing())
+        DataLink()->Modified();
 }
 
 // The next control of the form after the group's own buttons.
@@ -249,11 +209,11 @@ bool TQxdbRadioGroup::HandleKey(QKeyEvent* Event)
         FocusNextControl();
         return true;
     case Qt::Key_Backspace: case Qt::Key_Space:
-        if (Field() && d->Link.CanModify())
-            StartEditing(this, d->Link);
+        if (Field() && DataLink()->CanModify())
+            StartEditing(this, *DataLink());
         return false;
     case Qt::Key_Escape:
-        d->Link.Reset();
+        DataLink()->Reset();
         return true;
     default:
         return false;
@@ -266,7 +226,7 @@ bool TQxdbRadioGroup::eventFilter(QObject* Watched, QEvent* Event)
         if (Event->type() == QEvent::KeyPress && HandleKey(static_cast<QKeyEvent*>(Event)))
             return true;
         if (Event->type() == QEvent::FocusOut && !isAncestorOf(QApplication::focusWidget()))
-            WriteOnExit(this, d->Link);
+            WriteOnExit(this, *DataLink());
     }
     return TQxRadioGroup::eventFilter(Watched, Event);
 }
@@ -289,35 +249,14 @@ void TQxdbRadioGroup::keyPressEvent(QKeyEvent* Event)
 
 // ---- TQxdbFixedDropList
 
-TQxdbFixedDropList::TQxdbFixedDropList(QWidget* Parent)
-    : TQxCustomLookupCombo(Parent), m_link(std::make_unique<TFieldDataLink>())
+TQxdbFixedDropList::TQxdbFixedDropList(QWidget* Parent) : TQxCustomLookupCombo(Parent), TxFieldBinding(this)
 {
-    m_link->SetControl(this);
-    m_link->OnDataChange = [this](TFieldDataLink*) { FieldDataChange(); };
-    m_link->OnActiveChange = m_link->OnDataChange;
+    DataLink()->OnDataChange = [this](TFieldDataLink*) { FieldDataChange(); };
+    DataLink()->OnActiveChange = DataLink()->OnDataChange;
     connect(this, &TQxCustomLookupCombo::DataChanged, this, [this] { Change(); });
 }
 
-TQxdbFixedDropList::~TQxdbFixedDropList()
-{
-    m_link->OnDataChange = nullptr;
-    m_link->OnActiveChange = nullptr;
-    m_link->SetDataSource(nullptr);
-}
-
-QString TQxdbFixedDropList::GetDataField() const { return m_link->FieldName(); }
-void TQxdbFixedDropList::SetDataField(const QString& Value)
-{
-    m_link->SetFieldName(Value);
-    FieldDataChange();
-}
-TDataSource* TQxdbFixedDropList::GetDataSource() const { return m_link->DataSource(); }
-void TQxdbFixedDropList::SetDataSource(TDataSource* Value)
-{
-    m_link->SetDataSource(Value);
-    FieldDataChange();
-}
-TField* TQxdbFixedDropList::Field() const { return m_link->Field(); }
+TQxdbFixedDropList::~TQxdbFixedDropList() = default;
 
 void TQxdbFixedDropList::FieldDataChange()
 {
@@ -340,7 +279,7 @@ void TQxdbFixedDropList::Change()
     if (m_updating || !F)
         return;
     m_updating = true;
-    const bool Written = m_link->CanModify() && StartEditing(this, *m_link) && Guarded(this, [this, F] {
+    const bool Written = DataLink()->CanModify() && StartEditing(this, *DataLink()) && Guarded(this, [this, F] {
         const QString Key = Data();
         if (IsBoolean(F) && !Key.isEmpty())
             F->SetAsBoolean(Key.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0 && Key != QLatin1String("0"));

@@ -3,7 +3,7 @@
 #include "check_box.h"
 #include "lookup_combo.h"
 #include "radio_group.h"
-#include "platform/data/data_source.h"
+#include "field_binding.h"
 #include <memory>
 
 namespace Kesh {
@@ -15,11 +15,10 @@ namespace Kesh {
 /// (unchecking the first of ValueUnchecked). A click toggles only when the dataset can be
 /// put in edit mode; the value is written when the record is written and when the focus
 /// leaves the box.
-class KESH_EXPORT TQxdbCheckBox : public TQxCheckBox
+class KESH_EXPORT TQxdbCheckBox : public TQxCheckBox, public TxFieldBinding
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ GetDataField WRITE SetDataField)
-    Q_PROPERTY(Kesh::TDataSource* DataSource READ GetDataSource WRITE SetDataSource)
+    KESH_FIELD_BINDING_PROPERTIES(DataField, DataSource)
     Q_PROPERTY(bool Readonly READ GetReadOnly WRITE SetReadOnly)
     Q_PROPERTY(QString ValueChecked READ GetValueChecked WRITE SetValueChecked)
     Q_PROPERTY(QString ValueUnchecked READ GetValueUnchecked WRITE SetValueUnchecked)
@@ -27,19 +26,12 @@ public:
     explicit TQxdbCheckBox(QWidget* Parent = nullptr);
     ~TQxdbCheckBox() override;
 
-    QString GetDataField() const;
-    void SetDataField(const QString& Value);
-    TDataSource* GetDataSource() const;
-    void SetDataSource(TDataSource* Value);
-    bool GetReadOnly() const;
-    void SetReadOnly(bool Value);
     /// "True" unless set; setting a list reads the field again.
     QString GetValueChecked() const;
     void SetValueChecked(const QString& Value);
     /// "False" unless set.
     QString GetValueUnchecked() const;
     void SetValueUnchecked(const QString& Value);
-    TField* Field() const;
 
     /// Whether Value is one of the ";"-separated values of List, ignoring case.
     static bool ValueMatches(const QString& Value, const QString& List);
@@ -47,6 +39,8 @@ public:
 protected:
     void nextCheckState() override;
     void focusOutEvent(QFocusEvent* Event) override;
+    void BindingChanged() override { FieldDataChange(); }
+    void DataFieldChanged(const QString& Value) override;
 
 private:
     void FieldDataChange();
@@ -59,11 +53,10 @@ private:
 /// Choosing a button puts the dataset in edit mode first (refused: the choice goes back).
 /// Values are compared exactly; a value no button has clears the selection. Enter moves to
 /// the next control, Backspace and Space start editing, Escape shows the field's value again.
-class KESH_EXPORT TQxdbRadioGroup : public TQxRadioGroup
+class KESH_EXPORT TQxdbRadioGroup : public TQxRadioGroup, public TxFieldBinding
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ GetDataField WRITE SetDataField)
-    Q_PROPERTY(Kesh::TDataSource* DataSource READ GetDataSource WRITE SetDataSource)
+    KESH_FIELD_BINDING_PROPERTIES(DataField, DataSource)
     Q_PROPERTY(bool Readonly READ GetReadOnly WRITE SetReadOnly)
     Q_PROPERTY(QStringList Values READ GetValues WRITE SetValues)
     Q_PROPERTY(QString Value READ GetValue WRITE SetValue NOTIFY ValueChanged USER true)
@@ -71,15 +64,8 @@ public:
     explicit TQxdbRadioGroup(QWidget* Parent = nullptr);
     ~TQxdbRadioGroup() override;
 
-    QString GetDataField() const;
-    void SetDataField(const QString& Value);
-    TDataSource* GetDataSource() const;
-    void SetDataSource(TDataSource* Value);
-    bool GetReadOnly() const;
-    void SetReadOnly(bool Value);
     QStringList GetValues() const;
     void SetValues(const QStringList& Value);
-    TField* Field() const;
 
     /// The current value; setting it selects the first button of that value.
     QString GetValue() const;
@@ -97,6 +83,7 @@ protected:
     bool eventFilter(QObject* Watched, QEvent* Event) override;
     void childEvent(QChildEvent* Event) override;
     void keyPressEvent(QKeyEvent* Event) override;
+    void BindingChanged() override { DataLink()->Reset(); }
 
 private:
     void Chosen(int Index);
@@ -109,25 +96,20 @@ private:
 /// A fixed drop list bound to a field: it selects the entry whose key (_Values) equals the
 /// field's text, and a choice writes the entry's key into the field (a Boolean field takes
 /// the keys "-1"/"0", or "True"/"False"). A choice that the dataset cannot take goes back.
-class KESH_EXPORT TQxdbFixedDropList : public TQxCustomLookupCombo
+class KESH_EXPORT TQxdbFixedDropList : public TQxCustomLookupCombo, public TxFieldBinding
 {
     Q_OBJECT
-    Q_PROPERTY(QString _DataField READ GetDataField WRITE SetDataField)
-    Q_PROPERTY(Kesh::TDataSource* _DataSource READ GetDataSource WRITE SetDataSource)
+    KESH_FIELD_BINDING_PROPERTIES(_DataField, _DataSource)
 public:
     explicit TQxdbFixedDropList(QWidget* Parent = nullptr);
     ~TQxdbFixedDropList() override;
 
-    QString GetDataField() const;
-    void SetDataField(const QString& Value);
-    TDataSource* GetDataSource() const;
-    void SetDataSource(TDataSource* Value);
-    TField* Field() const;
+protected:
+    void BindingChanged() override { FieldDataChange(); }
 
 private:
     void FieldDataChange();
     void Change();
-    std::unique_ptr<TFieldDataLink> const m_link;
     bool m_updating = false;
 };
 

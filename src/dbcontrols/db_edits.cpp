@@ -48,74 +48,47 @@ const QString ErrorMark = QStringLiteral("#Error#");
 // ---- TxDataEdit
 
 template <class Base>
-TxDataEdit<Base>::TxDataEdit(QWidget* Parent) : Base(Parent), m_link(std::make_unique<TFieldDataLink>())
+TxDataEdit<Base>::TxDataEdit(QWidget* Parent) : Base(Parent), TxFieldBinding(this)
 {
-    m_link->SetControl(this);
-    m_link->OnDataChange = [this](TFieldDataLink*) {
+    DataLink()->OnDataChange = [this](TFieldDataLink*) {
         FollowField();
         ShowField();
     };
-    m_link->OnActiveChange = [this](TFieldDataLink*) { FollowField(); };
-    m_link->OnEditingChange = [this](TFieldDataLink*) { FollowField(); };
-    m_link->OnUpdateData = [this](TFieldDataLink*) {
+    DataLink()->OnActiveChange = [this](TFieldDataLink*) { FollowField(); };
+    DataLink()->OnEditingChange = [this](TFieldDataLink*) { FollowField(); };
+    DataLink()->OnUpdateData = [this](TFieldDataLink*) {
         if (this->text() != ErrorMark)
             Field()->SetText(this->text());
     };
     // A field may show itself differently in the other language (the time field's marks),
     // also when the form keeps its own direction.
     QObject::connect(Application(), &THostApplication::BiDiModeChanged, this, [this] {
-        if (!m_link->IsModified())
+        if (!DataLink()->IsModified())
             ShowField();
     });
     QObject::connect(this, &QLineEdit::textChanged, this, [this](const QString& Text) {
         if (!m_showing)
-            m_link->Modified();
+            DataLink()->Modified();
         NotifyDataChanged(Text);
     });
     FollowField();
 }
 
 template <class Base>
-TxDataEdit<Base>::~TxDataEdit()
-{
-    m_link->OnDataChange = nullptr;
-    m_link->SetDataSource(nullptr);
-}
+TxDataEdit<Base>::~TxDataEdit() = default;
 
 template <class Base>
-QString TxDataEdit<Base>::GetDataField() const { return m_link->FieldName(); }
-
-template <class Base>
-void TxDataEdit<Base>::SetDataField(const QString& Value)
+void TxDataEdit<Base>::BindingChanged()
 {
-    m_link->SetFieldName(Value);
     FollowField();
     ShowField();
 }
 
 template <class Base>
-TDataSource* TxDataEdit<Base>::GetDataSource() const { return m_link->DataSource(); }
-
-template <class Base>
-void TxDataEdit<Base>::SetDataSource(TDataSource* Value)
+void TxDataEdit<Base>::ReadOnlyChanged()
 {
-    m_link->SetDataSource(Value);
-    FollowField();
-    ShowField();
-}
-
-template <class Base>
-bool TxDataEdit<Base>::GetReadOnly() const { return m_link->ReadOnly(); }
-
-template <class Base>
-void TxDataEdit<Base>::SetReadOnly(bool Value)
-{
-    m_link->SetReadOnly(Value);
     FollowField();
 }
-
-template <class Base>
-TField* TxDataEdit<Base>::Field() const { return m_link->Field(); }
 
 template <class Base>
 void TxDataEdit<Base>::SetData(const QString& Value)
@@ -128,7 +101,7 @@ void TxDataEdit<Base>::SetData(const QString& Value)
 template <class Base>
 void TxDataEdit<Base>::FollowField()
 {
-    this->setReadOnly(!m_link->CanModify());
+    this->setReadOnly(!DataLink()->CanModify());
     this->SetDataEntry(EntryFor(Field()));
 }
 
@@ -151,14 +124,14 @@ bool TxDataEdit<Base>::BeginEditing()
 {
     if (!Field())
         return false;
-    if (m_link->Editing())
+    if (DataLink()->Editing())
         return true;
     const QString Typed = this->text();
-    const bool Modified = m_link->IsModified();
-    const bool Editing = Guarded(this, [this] { m_link->Edit(); }) && m_link->Editing();
+    const bool Modified = DataLink()->IsModified();
+    const bool Editing = Guarded(this, [this] { DataLink()->Edit(); }) && DataLink()->Editing();
     if (Editing && Modified && this->text() != Typed) {
         this->setText(Typed);
-        m_link->Modified();
+        DataLink()->Modified();
     }
     return Editing;
 }
@@ -166,13 +139,13 @@ bool TxDataEdit<Base>::BeginEditing()
 template <class Base>
 bool TxDataEdit<Base>::WriteField()
 {
-    if (!m_link->IsModified() || !Field())
+    if (!DataLink()->IsModified() || !Field())
         return true;
     if (this->text() == ErrorMark || !BeginEditing()) {
-        m_link->Reset();
+        DataLink()->Reset();
         return true;
     }
-    return Guarded(this, [this] { m_link->UpdateRecord(); });
+    return Guarded(this, [this] { DataLink()->UpdateRecord(); });
 }
 
 template <class Base>
@@ -192,7 +165,7 @@ bool TxDataEdit<Base>::Refused(const QKeyEvent* Event) const
 template <class Base>
 void TxDataEdit<Base>::DoExit()
 {
-    if (WriteField() && !m_link->IsModified())
+    if (WriteField() && !DataLink()->IsModified())
         ShowField();  // the display text again
     emit this->Exit();
 }
@@ -201,8 +174,8 @@ template <class Base>
 void TxDataEdit<Base>::keyPressEvent(QKeyEvent* Event)
 {
     const int Key = Event->key();
-    if (Key == Qt::Key_Escape && m_link->IsModified()) {
-        m_link->Reset();
+    if (Key == Qt::Key_Escape && DataLink()->IsModified()) {
+        DataLink()->Reset();
         this->selectAll();
         Event->accept();
         return;
@@ -224,7 +197,7 @@ template <class Base>
 void TxDataEdit<Base>::focusInEvent(QFocusEvent* Event)
 {
     Base::focusInEvent(Event);
-    if (!m_link->IsModified())
+    if (!DataLink()->IsModified())
         ShowField();  // the edit text while editing
 }
 
@@ -233,7 +206,7 @@ void TxDataEdit<Base>::changeEvent(QEvent* Event)
 {
     Base::changeEvent(Event);
     // A field may show itself differently in the other language (the time field's marks).
-    if (Event->type() == QEvent::LayoutDirectionChange && !m_link->IsModified())
+    if (Event->type() == QEvent::LayoutDirectionChange && !DataLink()->IsModified())
         ShowField();
 }
 
@@ -268,38 +241,14 @@ void TQxdbEditButton::PickDate()
 
 // ---- TQxdbText
 
-TQxdbText::TQxdbText(QWidget* Parent) : TQxCustomLabel(Parent), m_link(std::make_unique<TFieldDataLink>())
+TQxdbText::TQxdbText(QWidget* Parent) : TQxCustomLabel(Parent), TxFieldBinding(this)
 {
-    m_link->SetControl(this);
-    m_link->OnDataChange = [this](TFieldDataLink*) { ShowField(); };
-    m_link->OnActiveChange = [this](TFieldDataLink*) { ShowField(); };
+    DataLink()->OnDataChange = [this](TFieldDataLink*) { ShowField(); };
+    DataLink()->OnActiveChange = [this](TFieldDataLink*) { ShowField(); };
     connect(Application(), &THostApplication::BiDiModeChanged, this, [this] { ShowField(); });
 }
 
-TQxdbText::~TQxdbText()
-{
-    m_link->OnDataChange = nullptr;
-    m_link->OnActiveChange = nullptr;
-    m_link->SetDataSource(nullptr);
-}
-
-QString TQxdbText::GetDataField() const { return m_link->FieldName(); }
-
-void TQxdbText::SetDataField(const QString& Value)
-{
-    m_link->SetFieldName(Value);
-    ShowField();
-}
-
-TDataSource* TQxdbText::GetDataSource() const { return m_link->DataSource(); }
-
-void TQxdbText::SetDataSource(TDataSource* Value)
-{
-    m_link->SetDataSource(Value);
-    ShowField();
-}
-
-TField* TQxdbText::Field() const { return m_link->Field(); }
+TQxdbText::~TQxdbText() = default;
 
 QString TQxdbText::Data() const { return m_data; }
 

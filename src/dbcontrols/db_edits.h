@@ -3,7 +3,7 @@
 #pragma once
 #include "edit.h"
 #include "label.h"
-#include "platform/data/data_source.h"
+#include "field_binding.h"
 #include <memory>
 
 namespace Kesh {
@@ -20,22 +20,11 @@ namespace Kesh {
 /// A text of "#Error#" (what the typed setters show for a value they cannot show) is never
 /// written into the field. Errors of the field are shown; the typed text stays.
 template <class Base>
-class KESH_EXPORT TxDataEdit : public Base
+class KESH_EXPORT TxDataEdit : public Base, public TxFieldBinding
 {
 public:
     explicit TxDataEdit(QWidget* Parent = nullptr);
     ~TxDataEdit() override;
-
-    QString GetDataField() const;
-    void SetDataField(const QString& Value);
-    TDataSource* GetDataSource() const;
-    void SetDataSource(TDataSource* Value);
-    /// The link's own read-only flag; the edit is read-only also when the field is.
-    bool GetReadOnly() const;
-    void SetReadOnly(bool Value);
-    /// The bound field, or nullptr.
-    TField* Field() const;
-    TFieldDataLink* DataLink() const { return m_link.get(); }
 
     /// The control's value: the text it shows. Setting it is as typing it.
     QString Data() const { return this->text(); }
@@ -51,6 +40,9 @@ protected:
     void keyPressEvent(QKeyEvent* Event) override;
     void focusInEvent(QFocusEvent* Event) override;
     void changeEvent(QEvent* Event) override;
+    void BindingChanged() override;
+    /// The edit is read-only also when the field is.
+    void ReadOnlyChanged() override;
 
 private:
     void ShowField();
@@ -59,7 +51,6 @@ private:
     bool WriteField();
     bool Refused(const QKeyEvent* Event) const;
 
-    std::unique_ptr<TFieldDataLink> const m_link;
     bool m_showing = false;
 };
 
@@ -68,8 +59,7 @@ extern template class KESH_EXPORT TxDataEdit<TQxEditButton>;
 
 // The published properties of the data-aware edits, on TxDataEdit's accessors.
 #define KESH_DB_EDIT_PROPERTIES                                                            \
-    Q_PROPERTY(QString DataField READ GetDataField WRITE SetDataField)                      \
-    Q_PROPERTY(Kesh::TDataSource* DataSource READ GetDataSource WRITE SetDataSource)        \
+    KESH_FIELD_BINDING_PROPERTIES(DataField, DataSource)                                    \
     Q_PROPERTY(bool Readonly READ GetReadOnly WRITE SetReadOnly)                            \
     Q_PROPERTY(QString Data READ Data WRITE SetData NOTIFY DataChanged USER true)
 
@@ -112,21 +102,15 @@ protected:
 /// A bilingual label showing its field's display text (the label's Arabic and English fonts
 /// follow the language; the text follows the field, also when the language changes how the
 /// field shows itself).
-class KESH_EXPORT TQxdbText : public TQxCustomLabel
+class KESH_EXPORT TQxdbText : public TQxCustomLabel, public TxFieldBinding
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ GetDataField WRITE SetDataField)
-    Q_PROPERTY(Kesh::TDataSource* DataSource READ GetDataSource WRITE SetDataSource)
+    KESH_FIELD_BINDING_PROPERTIES(DataField, DataSource)
     Q_PROPERTY(QString Data READ Data NOTIFY DataChanged USER true)
 public:
     explicit TQxdbText(QWidget* Parent = nullptr);
     ~TQxdbText() override;
 
-    QString GetDataField() const;
-    void SetDataField(const QString& Value);
-    TDataSource* GetDataSource() const;
-    void SetDataSource(TDataSource* Value);
-    TField* Field() const;
     /// The text shown: the field's display text, empty without a field.
     QString Data() const;
 
@@ -135,10 +119,10 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* Event) override;
+    void BindingChanged() override { ShowField(); }
 
 private:
     void ShowField();
-    std::unique_ptr<TFieldDataLink> const m_link;
     QString m_data;
 };
 

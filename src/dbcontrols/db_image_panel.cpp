@@ -17,37 +17,21 @@ namespace Kesh {
 
 struct TQxdbImagePrivate
 {
-    TFieldDataLink Link;
     QImage Picture;
     QString Format;
     bool Loading = false;
 };
 
-TQxdbImage::TQxdbImage(QWidget* Parent) : QLabel(Parent), d(new TQxdbImagePrivate)
+TQxdbImage::TQxdbImage(QWidget* Parent) : QLabel(Parent), TxFieldBinding(this), d(new TQxdbImagePrivate)
 {
     setAlignment(Qt::AlignCenter);
     setMinimumSize(1, 1);
     setFrameShape(QFrame::StyledPanel);
-    d->Link.SetControl(this);
-    d->Link.OnDataChange = [this](TFieldDataLink*) { DataChanged(); };
-    d->Link.OnActiveChange = d->Link.OnDataChange;
+    DataLink()->OnDataChange = [this](TFieldDataLink*) { DataChanged(); };
+    DataLink()->OnActiveChange = DataLink()->OnDataChange;
 }
 
-TQxdbImage::~TQxdbImage()
-{
-    d->Link.OnDataChange = nullptr;
-    d->Link.OnActiveChange = nullptr;
-    d->Link.SetDataSource(nullptr);
-}
-
-TDataSource* TQxdbImage::GetDataSource() const { return d->Link.DataSource(); }
-void TQxdbImage::SetDataSource(TDataSource* Value)
-{
-    d->Link.SetDataSource(Value);
-    DataChanged();
-}
-
-QString TQxdbImage::GetDataField() const { return d->Link.FieldName(); }
+TQxdbImage::~TQxdbImage() = default;
 
 namespace {
 
@@ -59,19 +43,15 @@ bool IsBinary(const TField* Field)
 
 } // namespace
 
-void TQxdbImage::SetDataField(const QString& Value)
+void TQxdbImage::DataFieldChanged(const QString& Value)
 {
-    d->Link.SetFieldName(Value);
-    if (!Value.isEmpty() && d->Link.DataSet() && d->Link.Active() && !IsBinary(Field())) {
-        d->Link.SetFieldName(QString());
+    if (!Value.isEmpty() && DataLink()->DataSet() && DataLink()->Active() && !IsBinary(Field())) {
+        DataLink()->SetFieldName(QString());
         DataChanged();
         RaiseError(QStringLiteral("Only TBlobField can be attached."), this);
     }
     NameAfterField(this, Value);
-    DataChanged();
 }
-
-TField* TQxdbImage::Field() const { return d->Link.Field(); }
 QImage TQxdbImage::Picture() const { return d->Picture; }
 QString TQxdbImage::Format() const { return d->Format; }
 
@@ -164,7 +144,7 @@ void TQxdbImage::LoadFromFile(const QString& FileName)
                          QStringLiteral("The file is not a picture of a shown kind (BMP, ICO, GIF, JPEG or PNG):\n%1"))
                        .arg(FileName),
                    this);
-    if (!IsBinary(Field()) || !d->Link.Edit())
+    if (!IsBinary(Field()) || !DataLink()->Edit())
         RaiseError(BiStr(QStringLiteral("لا يمكن تعديل الصورة الآن."), QStringLiteral("The picture cannot be changed now.")), this);
     Field()->SetAsBytes(Bytes);
 }

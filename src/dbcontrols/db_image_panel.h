@@ -2,7 +2,7 @@
 #pragma once
 #include "db_buttons.h"
 #include "panel.h"
-#include "platform/data/data_source.h"
+#include "field_binding.h"
 #include <QImage>
 #include <QLabel>
 #include <memory>
@@ -14,24 +14,15 @@ namespace Kesh {
 /// D7 CD (a placeable metafile, which Qt cannot draw) and anything else show nothing, and
 /// the field's bytes are never changed by showing them. The picture is scaled down to fit,
 /// keeping its proportions.
-class KESH_EXPORT TQxdbImage : public QLabel
+class KESH_EXPORT TQxdbImage : public QLabel, public TxFieldBinding
 {
     Q_OBJECT
-    Q_PROPERTY(Kesh::TDataSource* _DataSource READ GetDataSource WRITE SetDataSource)
-    Q_PROPERTY(QString _DataField READ GetDataField WRITE SetDataField)
+    KESH_FIELD_BINDING_PROPERTIES(_DataField, _DataSource)
     Q_PROPERTY(QImage Picture READ Picture NOTIFY PictureChanged USER true)
     Q_PROPERTY(QString Format READ Format NOTIFY PictureChanged)
 public:
     explicit TQxdbImage(QWidget* Parent = nullptr);
     ~TQxdbImage() override;
-
-    TDataSource* GetDataSource() const;
-    void SetDataSource(TDataSource* Value);
-    QString GetDataField() const;
-    /// Only a blob (binary) field can be attached: any other shows "Only TBlobField can be
-    /// attached.", keeps no field and aborts silently.
-    void SetDataField(const QString& Value);
-    TField* Field() const;
 
     /// The picture shown (null when none).
     QImage Picture() const;
@@ -52,6 +43,10 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent* Event) override;
+    void BindingChanged() override { DataChanged(); }
+    /// Only a blob (binary) field can be attached: any other shows "Only TBlobField can be
+    /// attached.", keeps no field and aborts silently.
+    void DataFieldChanged(const QString& Value) override;
 
 private:
     void DataChanged();
