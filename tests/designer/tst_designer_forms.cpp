@@ -35,6 +35,15 @@ struct TCard
 
     }
     TQxForm* Manager() const { return Form.findChild<TQxForm*>(); }
+    /// A dataset over Sql on the card's data source, made in code as a program does.
+    TADODataSet* DataSetOver(KeshTest::TTestDatabase& Db, const QString& Sql)
+    {
+        auto* Set = new TADODataSet(&Form);
+        Set->SetConnection(Db.Connection());
+        Set->SetCommandText(Sql);
+        Source->SetDataSet(Set);
+        return Set;
+    }
 };
 
 // The text a component shows now.
@@ -212,10 +221,7 @@ private Q_SLOTS:
         Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 'Pen')").arg(Table));
         Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (2, 'قلم')").arg(Table));
         TCard Card;
-        auto* Set = new TADODataSet(&Card.Form);
-        Set->SetConnection(Db->Connection());
-        Set->SetCommandText(QStringLiteral("SELECT * FROM %1 ORDER BY Id").arg(Table));
-        Card.Source->SetDataSet(Set);
+        TADODataSet* Set = Card.DataSetOver(*Db, QStringLiteral("SELECT * FROM %1 ORDER BY Id").arg(Table));
         Card.Connection->SetConnectionString(Db->ConnectionString());
         Card.Connection->Open();
         Card.Ui.adlProduct->SetListTable(Table);
@@ -244,10 +250,7 @@ private Q_SLOTS:
         const QString Table = Db->NewTable(QStringLiteral("Id INTEGER PRIMARY KEY, Name VARCHAR(30), Note VARCHAR(10)"));
         Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 'Pen', 'x')").arg(Table));
         TCard Card;
-        auto* Set = new TADODataSet(&Card.Form);
-        Set->SetConnection(Db->Connection());
-        Set->SetCommandText(QStringLiteral("SELECT * FROM %1").arg(Table));
-        Card.Source->SetDataSet(Set);
+        TADODataSet* Set = Card.DataSetOver(*Db, QStringLiteral("SELECT * FROM %1").arg(Table));
         Kesh::EndLoading(&Card.Form);
         Set->Open();
         // The form's two columns, not one per field, bound to the fields they name.
