@@ -17,6 +17,10 @@ int main(int argc, char** argv)
     Currency total(250.75);                         // 64-bit, four decimals, exact sums
     out << NumberToWords(total, riyal) << '\n';     // مائتان وخمسون ريالا
     out << NumberToWordsE(total) << '\n';           // Two Hundreds And Fifty
+    // From a thousand up, NumberToWords joins the groups with stored question marks;
+    // NumberToArabicWords writes the joining words for text a reader sees.
+    out << NumberToWords(Currency(1250), riyal) << '\n';        // ألف ?مائتان وخمسون ريالا
+    out << NumberToArabicWords(Currency(1250), riyal) << '\n';  // ألف ومائتان وخمسون ريالا
     // Only the whole part is spelled: write the sub-unit yourself.
     const qint64 halalas = total.Raw() % 10000 / 100;  // 75
     out << NumberToWordsE(Currency(halalas)) << "Halalas\n";
