@@ -281,19 +281,23 @@ void CreateSampleTables(TQxAdoConnection* Conn)
 {
     const bool Postgres = Conn->Database().driverName() == QLatin1String("QPSQL");
     const QString Blob = Postgres ? QStringLiteral("BYTEA") : QStringLiteral("BLOB");
+    // The record browser's quick search is LIKE 'prefix%' ordered by the name: on SQLite
+    // an index serves it only in the NOCASE collation, on PostgreSQL only a pattern index.
+    const QString Name = Postgres ? QStringLiteral("VARCHAR(80)") : QStringLiteral("VARCHAR(80) COLLATE NOCASE");
+    const QString Pattern = Postgres ? QStringLiteral(" text_pattern_ops") : QString();
     const QString Statements[] = {
         QStringLiteral("CREATE TABLE Cities (City_id INTEGER PRIMARY KEY, Name_a VARCHAR(40) NOT NULL, Name_e VARCHAR(40) NOT NULL)"),
-        QStringLiteral("CREATE TABLE Customers (Cust_id INTEGER PRIMARY KEY, Name_a VARCHAR(80) NOT NULL, Name_e VARCHAR(80) NOT NULL, "
+        QStringLiteral("CREATE TABLE Customers (Cust_id INTEGER PRIMARY KEY, Name_a %1 NOT NULL, Name_e %1 NOT NULL, "
                        "City_id INTEGER, Phone VARCHAR(20), Credit_limit NUMERIC(12,2), Balance NUMERIC(14,2), Joined INTEGER, "
-                       "Active BOOLEAN, Notes VARCHAR(200))"),
-        QStringLiteral("CREATE INDEX Customers_Name_a ON Customers (Name_a)"),
-        QStringLiteral("CREATE INDEX Customers_Name_e ON Customers (Name_e)"),
+                       "Active BOOLEAN, Notes VARCHAR(200))").arg(Name),
+        QStringLiteral("CREATE INDEX Customers_Name_a ON Customers (Name_a%1)").arg(Pattern),
+        QStringLiteral("CREATE INDEX Customers_Name_e ON Customers (Name_e%1)").arg(Pattern),
         QStringLiteral("CREATE TABLE Units (Unit_id VARCHAR(3) PRIMARY KEY, Name_a VARCHAR(20), Name_e VARCHAR(20))"),
-        QStringLiteral("CREATE TABLE Items (Item_id INTEGER PRIMARY KEY, Code VARCHAR(12) NOT NULL UNIQUE, Name_a VARCHAR(80) NOT NULL, "
-                       "Name_e VARCHAR(80) NOT NULL, Unit_id VARCHAR(3), Price NUMERIC(12,2), Stock INTEGER, Active BOOLEAN, Photo ")
-            + Blob + QLatin1Char(')'),
-        QStringLiteral("CREATE INDEX Items_Name_a ON Items (Name_a)"),
-        QStringLiteral("CREATE INDEX Items_Name_e ON Items (Name_e)"),
+        QStringLiteral("CREATE TABLE Items (Item_id INTEGER PRIMARY KEY, Code VARCHAR(12) NOT NULL UNIQUE, Name_a %1 NOT NULL, "
+                       "Name_e %1 NOT NULL, Unit_id VARCHAR(3), Price NUMERIC(12,2), Stock INTEGER, Active BOOLEAN, Photo %2)")
+            .arg(Name, Blob),
+        QStringLiteral("CREATE INDEX Items_Name_a ON Items (Name_a%1)").arg(Pattern),
+        QStringLiteral("CREATE INDEX Items_Name_e ON Items (Name_e%1)").arg(Pattern),
         QStringLiteral("CREATE TABLE Invoices (Inv_id INTEGER PRIMARY KEY, Inv_date INTEGER NOT NULL, Cust_id INTEGER NOT NULL, "
                        "Payment VARCHAR(1) NOT NULL, Posted BOOLEAN NOT NULL, Notes VARCHAR(200), Total NUMERIC(14,2))"),
         QStringLiteral("CREATE INDEX Invoices_Cust_id ON Invoices (Cust_id)"),

@@ -4,6 +4,8 @@
 
 #include <Kesh_AdoDB.h>
 #include <QElapsedTimer>
+#include <QSqlQuery>
+#include <QSqlRecord>
 
 using namespace Kesh;
 
@@ -61,6 +63,26 @@ void TestSampleDb::createsConsistentData()
     const long double Balances = AsFloat(Conn.DSum(QStringLiteral("Customers"), QStringLiteral("Balance"), QString()).toString());
     QVERIFY2(qAbs(Balances - AsFloat(Sum[0].toString())) < 0.01L, qPrintable(Sum[0].toString()));
     QCOMPARE(Conn.ReadSetting(Demo::SetCurrencyE, QString()).toString(), QStringLiteral("Riyal"));
+
+    // The record browser's prefix search on a name reads its range and order from an index.
+    QSqlQuery Plan(Conn.Database());
+    QString Steps;
+    if (driver == QLatin1String("postgres")) {
+        QVERIFY(Plan.exec(QStringLiteral("SET enable_seqscan = off")));
+        QVERIFY(Plan.exec(QStringLiteral("EXPLAIN SELECT * FROM Customers WHERE Name_e LIKE 'Al%' ORDER BY Name_e USING ~<~ LIMIT 30")));
+    } else {
+        QVERIFY(Plan.exec(QStringLiteral("EXPLAIN QUERY PLAN SELECT * FROM Customers WHERE Name_e LIKE 'Al%' ORDER BY Name_e LIMIT 30")));
+    }
+    while (Plan.next())
+        Steps += Plan.value(Plan.record().count() - 1).toString() + QLatin1Char('\n');
+    // A range search in the index (not a scan of all of it), and no sort afterwards.
+    const QLatin1String Range = driver == QLatin1String("postgres") ? QLatin1String("Index Scan using customers_name_e")
+                                                                    : QLatin1String("SEARCH Customers USING INDEX Customers_Name_e");
+    QVERIFY2(Steps.contains(Range, Qt::CaseInsensitive) && !Steps.contains(QLatin1String("TEMP B-TREE"))
+                 && !Steps.contains(QLatin1String("Sort")),
+             qPrintable(Steps));
+    if (driver == QLatin1String("postgres"))
+        QVERIFY(Plan.exec(QStringLiteral("RESET enable_seqscan")));
 
     // A second call leaves a database that has the tables alone.
     Conn.Exec(QStringLiteral("DELETE FROM Items WHERE Item_id = 1"));
