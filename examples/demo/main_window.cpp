@@ -311,11 +311,10 @@ TFormEntry& TMainWindow::RegisterForm(QMenu* InMenu, const QString& Name, const 
     E.remove(QLatin1Char('&'));
     A.remove(QChar(0x2026)); // the ellipsis says "opens a window" in a menu, not on a button
     E.remove(QChar(0x2026));
-    // The hot key shows on the button, so that the keyboard's way is seen. Left-to-right
-    // marks hold its signs to its letters: after an Arabic caption "Ctrl+," would read ",Ctrl+".
+    // The hot key shows on the button, so that the keyboard's way is seen. A left-to-right
+    // isolate holds its signs to its letters: after an Arabic caption "Ctrl+," would read ",Ctrl+".
     if (!Keys.isEmpty()) {
-        const QChar Ltr(0x200E);
-        const QString Key = QStringLiteral("   ") + Ltr + Keys.toString(QKeySequence::NativeText) + Ltr;
+        const QString Key = QStringLiteral("   ") + QChar(0x2066) + Keys.toString(QKeySequence::NativeText) + QChar(0x2069);
         A += Key;
         E += Key;
     }
