@@ -7,7 +7,11 @@
 #include <Kesh_AdoDB.h>
 #include <Kesh_dbControls.h>
 
+#include <Kesh_dbGrid.h>
+
 #include <QFileDialog>
+#include <QScopeGuard>
+#include <QStyle>
 
 using namespace Kesh;
 
@@ -44,6 +48,54 @@ TItemsForm::TItemsForm(TDemoContext& Context, QWidget* Parent) : TListForm(Conte
           {"Code", nullptr, u"الرمز", "Code", 10},
           {"Item_id", nullptr, u"الرقم", "No.", 0}},
          QStringLiteral("الأصناف"), QStringLiteral("Items"));
+    // Ctrl+click and Shift+arrows pick several items for "Delete selected".
+    Grid()->SetOptions(Grid()->GetOptions() | dgMultiSelect);
+    m_ui->btnDeleteSelected->setIcon(style()->standardIcon(QStyle::SP_DialogDiscardButton));
+    connect(m_ui->btnDeleteSelected, &QAbstractButton::clicked, this, &TItemsForm::DeleteSelected);
+}
+
+int TItemsForm::DeleteSelected()
+{
+    TQxBookmarkList* Selected = Grid()->SelectedRows();
+    if (Selected->Count() == 0) {
+        ShowMsg(BiStr(QStringLiteral("اختر الأصناف أولاً بالنقر مع Ctrl أو Shift."),
+                      QStringLiteral("Pick the items first with Ctrl+click or Shift+arrows.")));
+        return 0;
+    }
+    if (!Sure(BiStr(QStringLiteral("سيُحذف %1 من الأصناف المختارة."), QStringLiteral("%1 selected items will be deleted."))
+                  .arg(Selected->Count()),
+              false))
+        return 0;
+    // An item on an invoice stays: its lines would lose their name.
+    TDataSet* Items = DataSet();
+    QVector<QByteArray> Used;
+    for (int I = 0; I < Selected->Count(); ++I) {
+        Items->GotoBookmark(Selected->Items(I));
+        const QString Id = Items->FieldByName(QStringLiteral("Item_id"))->AsString();
+        if (m_context.Conn->DCount(QStringLiteral("InvoiceLines"), QStringLiteral("Item_id = ") + QString::number(Id.toLongLong())) > 0)
+            Used << Selected->Items(I);
+    }
+    for (const QByteArray& Item : qAsConst(Used))
+        Selected->DeleteItem(Selected->IndexOf(Item));
+    const int Count = Selected->Count();
+    if (Count > 0) {
+        // One question was asked for all of them: the dataset's own question per row is off meanwhile.
+        auto* Rules = qobject_cast<TQxAdoDataSet*>(Items);
+        const bool Confirm = Rules && Rules->GetConfirmDel();
+        const auto Restore = qScopeGuard([Rules, Confirm] {
+            if (Rules)
+                Rules->SetConfirmDel(Confirm);
+        });
+        if (Rules)
+            Rules->SetConfirmDel(false);
+        Selected->Delete();
+    }
+    if (!Used.isEmpty())
+        ShowMsg(BiStr(QStringLiteral("حُذف %1، وبقي %2 لأن في الفواتير سطوراً لها."),
+                      QStringLiteral("%1 deleted; %2 kept because invoice lines use them."))
+                    .arg(Count)
+                    .arg(Used.size()));
+    return Count;
 }
 
 TItemsForm::~TItemsForm() = default;

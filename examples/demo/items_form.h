@@ -27,6 +27,9 @@ public:
     bool LoadPicture(const QString& FileName);
     /// Takes the picture off the current item (in edit mode, not posted).
     void ClearPicture();
+    /// Deletes the items selected in the grid after one question; items that invoices use
+    /// are kept, and the user is told so. Returns how many went.
+    int DeleteSelected();
 
 private:
     Kesh::TDataSet* CreateItems();

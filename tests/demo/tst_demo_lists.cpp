@@ -409,6 +409,45 @@ private Q_SLOTS:
         QCOMPARE(FooterText(Form, 4), FormatFloat(QStringLiteral("#,##0"), Db.Scalar(QStringLiteral("SELECT SUM(Stock) FROM Items")).toDouble()));
     }
 
+    void itemsDeleteSelected_data() { KeshTest::AddDriverRows(); }
+    // Ctrl+click picks rows; "Delete selected" asks once, deletes the items no invoice uses
+    // and keeps (and names the count of) those an invoice line uses.
+    void itemsDeleteSelected()
+    {
+        OPEN_SAMPLE_DB(Db);
+        Demo::TItemsForm Form(Db.Context);
+        ShowForm(Form);
+        // Two unused items and one used one among the rows on screen (the grid is in key order).
+        QList<int> Unused, Used;
+        for (int Id = 1; Id <= 12; ++Id)
+            (Db.Scalar(QStringLiteral("SELECT COUNT(*) FROM InvoiceLines WHERE Item_id = %1").arg(Id)).toInt() ? Used : Unused) << Id;
+        QVERIFY(Unused.size() >= 2 && !Used.isEmpty());
+        const QList<int> Picked = {Unused[0], Used[0], Unused[1]};
+        TQxdbGrid* Grid = Form.Grid();
+        for (const int Id : Picked) {
+            const QRect Cell = Grid->visualRect(Grid->model()->index(Id - 1, 2));
+            QVERIFY(Grid->viewport()->rect().contains(Cell.center()));
+            QTest::mouseClick(Grid->viewport(), Qt::LeftButton, Qt::ControlModifier, Cell.center());
+        }
+        QCOMPARE(Grid->SelectedRows()->Count(), 3);
+        const int Count = Form.RecordCount();
+        KeshTest::DialogDriver Driver;
+        Driver.Click(QStringLiteral("btnYes")).Click(QStringLiteral("btnOk"));
+        try {
+            W<QAbstractButton>(Form, "btnDeleteSelected")->click();
+        } catch (const Exception& E) {
+            QFAIL(qPrintable(E.Message));
+        }
+        QVERIFY2(Driver.Errors.isEmpty(), qPrintable(Driver.Errors.join(QLatin1Char('\n'))));
+        QCOMPARE(Driver.Seen.size(), 2);
+        QVERIFY2(Driver.Seen[1].Text.contains(QStringLiteral("2 deleted; 1 kept")), qPrintable(Driver.Seen[1].Text));
+        const QString Ids = QStringLiteral("%1, %2, %3").arg(Picked[0]).arg(Picked[1]).arg(Picked[2]);
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT COUNT(*) FROM Items WHERE Item_id IN (%1)").arg(Ids)).toInt(), 1);
+        QCOMPARE(Db.Scalar(QStringLiteral("SELECT COUNT(*) FROM Items WHERE Item_id = %1").arg(Used[0])).toInt(), 1);
+        QCOMPARE(Form.RecordCount(), Count - 2);
+        QCOMPARE(Grid->SelectedRows()->Count(), 0);
+    }
+
     void itemsPicture_data() { KeshTest::AddDriverRows(); }
     // A picture loaded on an item is saved in its row; clearing it empties the column; a
     // file that is no picture is refused with a message.
