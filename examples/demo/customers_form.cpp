@@ -53,7 +53,7 @@ TCustomersForm::TCustomersForm(TDemoContext& Context, QWidget* Parent)
     Parts.CountA = u"عدد العملاء: %1";
     Parts.CountE = "%1 customers";
     Open(Customers, Parts,
-         {{"Cust_id", nullptr, u"الرقم", "No.", 55},
+         {{"Cust_id", nullptr, u"الرقم", "Code", 55},
           {"Name_e", "Name_a", u"الاسم", "Name", 230, false, true},
           {"City_id", nullptr, u"المدينة", "City", 110},
           {"Phone", nullptr, u"الهاتف", "Phone", 105},
