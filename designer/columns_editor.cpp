@@ -34,7 +34,7 @@ using TItems = QList<QPair<QString, int>>;
 
 // One member of a column and how it is edited. Optional members equal to Default (or left
 // empty) are removed, as the grid stores only values that were assigned.
-struct TSpec
+struct TMember
 {
     const char* Key;
     const char* Label;
@@ -53,13 +53,13 @@ TItems EnumItems(const QMetaEnum& Enum)
     return Items;
 }
 
-const QList<TSpec>& Specs()
+const QList<TMember>& Members()
 {
     using namespace Kesh::GridTypes;
     const TItems Align{{QStringLiteral("Left"), int(Qt::AlignLeft)}, {QStringLiteral("Right"), int(Qt::AlignRight)},
                        {QStringLiteral("Centre"), int(Qt::AlignHCenter)}};
     const TItems OptionalAlign = TItems{{QStringLiteral("(default)"), -1}} + Align;
-    static const QList<TSpec> List{
+    static const QList<TMember> List{
         {"FieldName", "Field", TKind::Text},
         {"Title._Caption_a", "Title (Arabic)", TKind::Text},
         {"Title._Caption_e", "Title (English)", TKind::Text},
@@ -107,7 +107,7 @@ QJsonObject FreshColumn()
 // or says why it cannot.
 struct TColumnsEditor::TEditor
 {
-    TSpec Spec;
+    TMember Member;
     QWidget* Widget = nullptr;
     std::function<void(const QJsonValue&)> Show;
     std::function<QJsonValue(QString& Problem)> Take;
@@ -123,11 +123,11 @@ TColumnsEditor::TColumnsEditor(const QString& Text, QWidget* Parent)
     m_problem->setWordWrap(true);
 
     auto* Form = new QFormLayout;
-    for (const TSpec& Spec : Specs()) {
-        auto* E = new TEditor{Spec, nullptr, {}, {}};
-        const QString Key = QString::fromLatin1(Spec.Key);
+    for (const TMember& Member : Members()) {
+        auto* E = new TEditor{Member, nullptr, {}, {}};
+        const QString Key = QString::fromLatin1(Member.Key);
         auto Changed = [this, E] { Store(*E); };
-        switch (Spec.Kind) {
+        switch (Member.Kind) {
         case TKind::Text:
         case TKind::Color:
         case TKind::Font: {
@@ -136,14 +136,14 @@ TColumnsEditor::TColumnsEditor(const QString& Text, QWidget* Parent)
                 Line->setLayoutDirection(Qt::RightToLeft);
             connect(Line, &QLineEdit::textEdited, this, Changed);
             E->Widget = Line;
-            E->Show = [Line, Spec](const QJsonValue& V) {
-                Line->setText(Spec.Kind == TKind::Color && V.isDouble() ? Kesh::TColorToQColor(Kesh::TColor(V.toInt())).name() : V.toString());
+            E->Show = [Line, Member](const QJsonValue& V) {
+                Line->setText(Member.Kind == TKind::Color && V.isDouble() ? Kesh::TColorToQColor(Kesh::TColor(V.toInt())).name() : V.toString());
             };
-            E->Take = [Line, Spec](QString& Problem) -> QJsonValue {
+            E->Take = [Line, Member](QString& Problem) -> QJsonValue {
                 const QString T = Line->text();
-                if (Spec.Kind == TKind::Text || (Spec.Optional && T.trimmed().isEmpty()))
-                    return Spec.Kind == TKind::Text ? QJsonValue(T) : Unset();
-                if (Spec.Kind == TKind::Color) {
+                if (Member.Kind == TKind::Text || (Member.Optional && T.trimmed().isEmpty()))
+                    return Member.Kind == TKind::Text ? QJsonValue(T) : Unset();
+                if (Member.Kind == TKind::Color) {
                     const QColor C = QColor::fromString(T.trimmed());
                     if (C.isValid())
                         return qint32(Kesh::QColorToTColor(C));
@@ -160,51 +160,51 @@ TColumnsEditor::TColumnsEditor(const QString& Text, QWidget* Parent)
         }
         case TKind::Number: {
             auto* Spin = new QSpinBox;
-            Spin->setRange(Spec.Low, Spec.High);
-            if (Spec.Default == Spec.Low)
+            Spin->setRange(Member.Low, Member.High);
+            if (Member.Default == Member.Low)
                 Spin->setSpecialValueText(tr("(default)"));
             connect(Spin, &QSpinBox::valueChanged, this, Changed);
             E->Widget = Spin;
-            E->Show = [Spin, Spec](const QJsonValue& V) { Spin->setValue(V.toInt(Spec.Default)); };
-            E->Take = [Spin, Spec](QString&) {
-                return Spin->value() == Spec.Default ? Unset() : QJsonValue(Spin->value());
+            E->Show = [Spin, Member](const QJsonValue& V) { Spin->setValue(V.toInt(Member.Default)); };
+            E->Take = [Spin, Member](QString&) {
+                return Spin->value() == Member.Default ? Unset() : QJsonValue(Spin->value());
             };
             break;
         }
         case TKind::Choice: {
             auto* Combo = new QComboBox;
-            for (const auto& Item : Spec.Items)
+            for (const auto& Item : Member.Items)
                 Combo->addItem(Item.first, Item.second);
             connect(Combo, &QComboBox::activated, this, Changed);
             E->Widget = Combo;
-            E->Show = [Combo, Spec](const QJsonValue& V) {
-                const int Value = V.toInt(Spec.Default);
+            E->Show = [Combo, Member](const QJsonValue& V) {
+                const int Value = V.toInt(Member.Default);
                 if (Combo->findData(Value) < 0) // a value the list does not name: kept as it is
                     Combo->addItem(QString::number(Value), Value);
                 Combo->setCurrentIndex(Combo->findData(Value));
             };
-            E->Take = [Combo, Spec](QString&) {
+            E->Take = [Combo, Member](QString&) {
                 const int Value = Combo->currentData().toInt();
-                return Spec.Optional && Value == Spec.Default ? Unset() : QJsonValue(Value);
+                return Member.Optional && Value == Member.Default ? Unset() : QJsonValue(Value);
             };
             break;
         }
         case TKind::Check:
         case TKind::Tri: {
             auto* Box = new QCheckBox;
-            Box->setTristate(Spec.Kind == TKind::Tri); // partly checked: as the field says
+            Box->setTristate(Member.Kind == TKind::Tri); // partly checked: as the field says
             connect(Box, &QCheckBox::stateChanged, this, Changed);
             E->Widget = Box;
-            E->Show = [Box, Spec](const QJsonValue& V) {
-                if (Spec.Kind == TKind::Tri && V.isUndefined())
+            E->Show = [Box, Member](const QJsonValue& V) {
+                if (Member.Kind == TKind::Tri && V.isUndefined())
                     return Box->setCheckState(Qt::PartiallyChecked);
-                Box->setCheckState(V.toInt(Spec.Default) ? Qt::Checked : Qt::Unchecked);
+                Box->setCheckState(V.toInt(Member.Default) ? Qt::Checked : Qt::Unchecked);
             };
-            E->Take = [Box, Spec](QString&) {
+            E->Take = [Box, Member](QString&) {
                 if (Box->checkState() == Qt::PartiallyChecked)
                     return Unset();
                 const int Value = Box->isChecked();
-                return Spec.Kind == TKind::Check && Value == Spec.Default ? Unset() : QJsonValue(Value);
+                return Member.Kind == TKind::Check && Value == Member.Default ? Unset() : QJsonValue(Value);
             };
             break;
         }
@@ -229,7 +229,7 @@ TColumnsEditor::TColumnsEditor(const QString& Text, QWidget* Parent)
         }
         }
         E->Widget->setObjectName(Key);
-        Form->addRow(tr(Spec.Label), E->Widget);
+        Form->addRow(tr(Member.Label), E->Widget);
         m_editors << E;
     }
 
@@ -300,7 +300,7 @@ void TColumnsEditor::Select(int Row)
 {
     m_loading = true;
     for (TEditor* E : std::as_const(m_editors)) {
-        E->Show(Row >= 0 ? m_columns[Row].value(QLatin1String(E->Spec.Key)) : Unset());
+        E->Show(Row >= 0 ? m_columns[Row].value(QLatin1String(E->Member.Key)) : Unset());
         E->Widget->setEnabled(Row >= 0);
     }
     m_loading = false;
@@ -318,9 +318,9 @@ void TColumnsEditor::Store(const TEditor& Editor)
     if (m_refused)
         return; // the column keeps its value
     if (Value.isUndefined())
-        m_columns[Row].remove(QLatin1String(Editor.Spec.Key));
+        m_columns[Row].remove(QLatin1String(Editor.Member.Key));
     else
-        m_columns[Row].insert(QLatin1String(Editor.Spec.Key), Value);
+        m_columns[Row].insert(QLatin1String(Editor.Member.Key), Value);
     m_list->item(Row)->setText(Caption(m_columns[Row]));
 }
 

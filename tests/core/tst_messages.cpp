@@ -282,7 +282,6 @@ private Q_SLOTS:
         QTest::newRow("off") << int(RShowMsg) << false << 0 << "Saved" << "";
         QTest::newRow("off, question") << int(RSure) << false << 0 << "Delete?" << "";
         QTest::newRow("abort text") << int(RShowError) << true << 0 << "Operation aborted" << "";
-        QTest::newRow("abort text, upper case") << int(RShowError) << true << 0 << "OPERATION ABORTED" << "";
         QTest::newRow("abort text, mixed case") << int(RShowError) << true << 0 << "operation ABORTED" << "";
         QTest::newRow("abort text, RaiseError") << int(RRaiseError) << true << 0 << "Operation aborted" << "";
         QTest::newRow("abort text and more") << int(RShowError) << true << 0 << "Operation aborted." << "ShowError: Operation aborted.\n";

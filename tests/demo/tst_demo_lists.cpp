@@ -8,6 +8,7 @@
 #include "sample_db.h"
 
 #include "db_test_helper.h"
+#include "demo_test_helper.h"
 #include "dialog_helper.h"
 
 #include <Kesh.h>
@@ -25,6 +26,7 @@
 #include <QtTest>
 
 using namespace Kesh;
+using namespace DemoTest;
 
 namespace {
 
@@ -56,45 +58,14 @@ struct TSample
     KESH_OPEN_PRIVATE_TEST_DB(Sample##Db); \
     TSample Sample(*Sample##Db);
 
-// The child of Form of that name (made by the form's .ui), which the test needs.
-template <class T>
-T* W(QWidget& Form, const char* Name)
-{
-    T* Child = Form.findChild<T*>(QLatin1String(Name));
-    if (!Child)
-        qFatal("no %s named %s", T::staticMetaObject.className(), Name);
-    return Child;
-}
+// The same on SQLite only, for what does not depend on the server.
+#define OPEN_SQLITE_SAMPLE(Sample)                                                               \
+    QString Sample##Reason;                                                                      \
+    auto Sample##Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Sample##Reason); \
+    QVERIFY2(Sample##Db, qPrintable(Sample##Reason));                                            \
+    TSample Sample(*Sample##Db);
 
 int Key(Demo::TListForm& Form, const char* Field) { return Form.DataSet()->FieldByName(QLatin1String(Field))->AsInteger(); }
-
-// Shows a form as the application does and waits until it is on screen.
-void ShowForm(QWidget& Form)
-{
-    Form.show();
-    QApplication::setActiveWindow(&Form);
-    QVERIFY(QTest::qWaitForWindowActive(&Form));
-}
-
-// Key presses of each character of Text, Arabic as well (QTest::keyClicks takes Latin-1 only).
-void Type(QWidget* Widget, const QString& Text)
-{
-    for (const QChar C : Text) {
-        const int Code = C.isLetterOrNumber() && C.unicode() < 128 ? int(C.toUpper().unicode()) : int(Qt::Key_unknown);
-        QKeyEvent Press(QEvent::KeyPress, Code, Qt::NoModifier, QString(C));
-        QKeyEvent Release(QEvent::KeyRelease, Code, Qt::NoModifier, QString(C));
-        QApplication::sendEvent(Widget, &Press);
-        QApplication::sendEvent(Widget, &Release);
-    }
-}
-
-// Types Text into a data-aware edit as a user does: focus, select all, type.
-void Retype(QWidget* Edit, const QString& Text)
-{
-    Edit->setFocus(Qt::TabFocusReason);
-    QTest::keyClick(Edit, Qt::Key_A, Qt::ControlModifier);
-    Type(Edit, Text);
-}
 
 QString Total(const TSample& Db, const QString& Expression, const QString& Table)
 {
@@ -175,10 +146,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, items);
         QFETCH(QStringList, order);
-        QString Reason;
-        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
-        QVERIFY2(Db, qPrintable(Reason));
-        TSample Sample(*Db);
+        OPEN_SQLITE_SAMPLE(Sample);
         std::unique_ptr<Demo::TListForm> Form;
         if (items)
             Form.reset(new Demo::TItemsForm(Sample.Context));
@@ -199,10 +167,7 @@ private Q_SLOTS:
     // column show Arabic names; and back.
     void languageSwitch()
     {
-        QString Reason;
-        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
-        QVERIFY2(Db, qPrintable(Reason));
-        TSample Sample(*Db);
+        OPEN_SQLITE_SAMPLE(Sample);
         Demo::TCustomersForm Form(Sample.Context);
         ShowForm(Form);
         const int City = Key(Form, "City_id");
@@ -253,10 +218,7 @@ private Q_SLOTS:
     // card shows the day a month later, and Save writes it.
     void pickJoinedDate()
     {
-        QString Reason;
-        auto Db = KeshTest::TTestDatabase::OpenPrivate(QStringLiteral("sqlite"), Reason);
-        QVERIFY2(Db, qPrintable(Reason));
-        TSample Sample(*Db);
+        OPEN_SQLITE_SAMPLE(Sample);
         Demo::TCustomersForm Form(Sample.Context);
         ShowForm(Form);
         QVERIFY(Form.DataSet()->Locate(QStringLiteral("Cust_id"), 7));
@@ -272,11 +234,11 @@ private Q_SLOTS:
         const int Month = Joined / 100 % 100;
         const int Expected = (Joined / 10000 + (Month == 12 ? 1 : 0)) * 10000 + (Month % 12 + 1) * 100 + Joined % 100;
         QCOMPARE(W<TQxdbEditButton>(Form, "xJoined")->Data(), TQxDateField::DateText(Expected));
-        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Joined);
+        QCOMPARE(Sample.Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Joined);
         ShowForm(Form);  // back to the front after the calendar, as a window manager does
         QTest::keyClick(W<QWidget>(Form, "xJoined"), Qt::Key_S, Qt::ControlModifier);
         QCOMPARE(Form.DataSet()->State(), dsBrowse);
-        QCOMPARE(Db->Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Expected);
+        QCOMPARE(Sample.Scalar(QStringLiteral("SELECT Joined FROM Customers WHERE Cust_id = 7")).toInt(), Expected);
     }
 
     void insertCustomer_data() { KeshTest::AddDriverRows(); }

@@ -9,6 +9,7 @@
 #include "sample_db.h"
 
 #include "db_test_helper.h"
+#include "demo_test_helper.h"
 #include "dialog_helper.h"
 
 #include <Kesh.h>
@@ -21,6 +22,7 @@
 #include <QtTest>
 
 using namespace Kesh;
+using namespace DemoTest;
 
 namespace {
 
@@ -55,36 +57,6 @@ struct TRemoteSample
     TAppServer Server;
     Demo::TDemoContext Context;
 };
-
-template <class T>
-T* W(QWidget& Form, const char* Name)
-{
-    T* Child = Form.findChild<T*>(QLatin1String(Name));
-    if (!Child)
-        qFatal("no %s named %s", T::staticMetaObject.className(), Name);
-    return Child;
-}
-
-void ShowForm(QWidget& Form)
-{
-    Form.show();
-    QApplication::setActiveWindow(&Form);
-    QVERIFY(QTest::qWaitForWindowActive(&Form));
-}
-
-// Types Text into a data-aware edit as a user does: focus, select all, type (Arabic too).
-void Retype(QWidget* Edit, const QString& Text)
-{
-    Edit->setFocus(Qt::TabFocusReason);
-    QTest::keyClick(Edit, Qt::Key_A, Qt::ControlModifier);
-    for (const QChar C : Text) {
-        const int Code = C.isLetterOrNumber() && C.unicode() < 128 ? int(C.toUpper().unicode()) : int(Qt::Key_unknown);
-        QKeyEvent Press(QEvent::KeyPress, Code, Qt::NoModifier, QString(C));
-        QKeyEvent Release(QEvent::KeyRelease, Code, Qt::NoModifier, QString(C));
-        QApplication::sendEvent(Edit, &Press);
-        QApplication::sendEvent(Edit, &Release);
-    }
-}
 
 int Key(Demo::TListForm& Form) { return Form.DataSet()->FieldByName(QStringLiteral("Cust_id"))->AsInteger(); }
 
