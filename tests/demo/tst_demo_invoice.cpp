@@ -89,6 +89,17 @@ void AddDrivers()
     QTest::addColumn<QString>("driver");
 }
 
+void SqliteOnly()
+{
+    AddDrivers();
+    QTest::newRow("sqlite") << "sqlite";
+}
+
+// The invoice window on Db, shown and active, as S.
+#define SHOW_INVOICE(S, Db) \
+    TShownForm S(Db);       \
+    QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+
 } // namespace
 
 class TestDemoInvoice : public QObject
@@ -140,12 +151,7 @@ private:
 private Q_SLOTS:
     void init() { Application()->SetBiDiMode(bdLeftToRight); }
 
-    void createInvoiceWithTwoLines_data()
-    {
-        AddDrivers();
-        QTest::newRow("sqlite") << "sqlite";
-        QTest::newRow("postgres") << "postgres";
-    }
+    void createInvoiceWithTwoLines_data() { KeshTest::AddDriverRows(); }
     // Customer through the browser, one item from the drop list and one typed by code,
     // quantities typed, Ctrl+S: the database holds the header and both lines.
     void createInvoiceWithTwoLines()
@@ -154,8 +160,7 @@ private Q_SLOTS:
         // The words name the currency kept in the settings.
         Db.Conn.SaveSetting(Demo::SetCurrencyA, QStringLiteral("Currency"), QStringLiteral("دينار|ديناران|دنانير|دينارا"));
         Db.Conn.SaveSetting(Demo::SetCurrencyE, QStringLiteral("Currency"), QStringLiteral("Dinar"));
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         const int InvId = S.Form.InvoiceId();
         QVERIFY(InvId > 0);
 
@@ -265,8 +270,7 @@ private Q_SLOTS:
         QFETCH(int, how);
         QFETCH(bool, found);
         OPEN_DEMO_DB(Db);
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         QSqlQuery Item(Db.Conn.Database());
         QVERIFY(Item.exec(QStringLiteral("SELECT Item_id, Code, Name_e, Name_a, Price FROM Items WHERE Active ORDER BY Code DESC")));
         QVERIFY(Item.next());
@@ -313,8 +317,7 @@ private Q_SLOTS:
         QVERIFY(InvId > 0);
         const int Lines = LineCount(Db, InvId);
         const double Total = Db.Scalar(QStringLiteral("SELECT Total FROM Invoices WHERE Inv_id = %1").arg(InvId)).toDouble();
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         QVERIFY(S.Form.OpenInvoice(InvId));
         {
             KeshTest::DialogDriver Question;
@@ -376,8 +379,7 @@ private Q_SLOTS:
                                  .toDouble();
         const double Total = Db.Scalar(QStringLiteral("SELECT SUM(Line_total) FROM InvoiceLines WHERE Inv_id = %1").arg(InvId))
                                  .toDouble();
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         QVERIFY(S.Form.OpenInvoice(InvId));
         auto* Grid = S.Child<TQxdbGrid>("grdLines");
         Grid->setFocus();
@@ -418,8 +420,7 @@ private Q_SLOTS:
         QFETCH(bool, saved);
         OPEN_DEMO_DB(Db);
         const int InvId = OpenSampleInvoice(Db);
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         QVERIFY(S.Form.OpenInvoice(InvId));
         auto* Notes = S.Child<TQxdbEdit>("dbeNotes");
         Notes->setFocus();
@@ -437,12 +438,7 @@ private Q_SLOTS:
         QCOMPARE(S.Form.HasChanges(), !closed);
     }
 
-    void listShowsTheDates_data()
-    {
-        AddDrivers();
-        QTest::newRow("sqlite") << "sqlite";
-        QTest::newRow("postgres") << "postgres";
-    }
+    void listShowsTheDates_data() { KeshTest::AddDriverRows(); }
     // The list holds the invoices of the dates asked, its footer their total; Enter and a
     // double click open the invoice under the cursor.
     void listShowsTheDates()
@@ -507,8 +503,7 @@ private Q_SLOTS:
         QFETCH(QString, arabic);
         QFETCH(QString, english);
         OPEN_DEMO_DB(Db);
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         auto* Grid = S.Child<TQxdbGrid>("grdLines");
         Grid->setFocus();
         QTest::keyClick(Grid, Qt::Key_Insert);
@@ -521,18 +516,13 @@ private Q_SLOTS:
         QCOMPARE(S.Child<TQxLabel>("lblWordsE")->GetCaption(), english);
     }
 
-    void escapeUndoesTheLine_data()
-    {
-        AddDrivers();
-        QTest::newRow("sqlite") << "sqlite";
-    }
+    void escapeUndoesTheLine_data() { SqliteOnly(); }
     // Escape in the grid gives the line back as it was and leaves the window open.
     void escapeUndoesTheLine()
     {
         OPEN_DEMO_DB(Db);
         const int InvId = OpenSampleInvoice(Db);
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         QVERIFY(S.Form.OpenInvoice(InvId));
         const double Total = S.Form.Total();
         auto* Grid = S.Child<TQxdbGrid>("grdLines");
@@ -549,17 +539,12 @@ private Q_SLOTS:
         QVERIFY(!S.Form.HasChanges());
     }
 
-    void calendarChoice_data()
-    {
-        AddDrivers();
-        QTest::newRow("sqlite") << "sqlite";
-    }
+    void calendarChoice_data() { SqliteOnly(); }
     // The Hijri box stores the date converted, and the other calendar's date is shown beside.
     void calendarChoice()
     {
         OPEN_DEMO_DB(Db);
-        TShownForm S(Db);
-        QVERIFY(QTest::qWaitForWindowActive(&S.Form));
+        SHOW_INVOICE(S, Db);
         TField* Day = S.Child<TQxdbEditButton>("dbbDate")->Field();
         const int Gregorian = Day->AsInteger();
         QVERIFY(IsDate(Gregorian) && !IsHijri(Gregorian));
