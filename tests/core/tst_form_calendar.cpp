@@ -81,7 +81,6 @@ private Q_SLOTS:
         QTest::newRow("starts on Sunday") << 20230101 << false << 2 << 31;
         QTest::newRow("30-day Hijri month") << 14450110 << true << 0 << 29;
         QTest::newRow("29-day Hijri month") << 14450215 << true << 0 << 28;
-        QTest::newRow("Ramadan 1445") << 14450902 << true << 0 << 29;
         QTest::newRow("Hijri starting Friday") << 14460701 << true << 0 << 0;
     }
     void monthLayout()
@@ -105,7 +104,6 @@ private Q_SLOTS:
                 const int Day = (W - 1) * 7 + R - (refFirst - 1);
                 const bool IsDay = Day >= 1 && Day <= refDays;
                 const TQxSpeedButton* B = Form.DayButton(W, R);
-                QCOMPARE(B->objectName(), QStringLiteral("W%1%2").arg(W).arg(R));
                 QCOMPARE(B->text(), IsDay ? QString::number(Day) : QString());
                 QCOMPARE(B->isEnabled(), IsDay);
                 QCOMPARE(B->autoRaise(), !IsDay); // empty cells are flat
@@ -230,13 +228,10 @@ private Q_SLOTS:
             if (!QTest::qWaitForWindowActive(Form))
                 return;
             for (const QString& Step : answer.split(QLatin1Char(' '))) {
-                if (Step == QLatin1String("Return") || Step == QLatin1String("Enter")
-                    || Step == QLatin1String("Escape") || Step == QLatin1String("PgDn")) {
-                    const Qt::Key Key = Step == QLatin1String("Return") ? Qt::Key_Return
-                        : Step == QLatin1String("Enter")                ? Qt::Key_Enter
-                        : Step == QLatin1String("PgDn")                 ? Qt::Key_PageDown
-                                                                        : Qt::Key_Escape;
-                    QTest::keyClick(Form->focusWidget() ? Form->focusWidget() : Form, Key);
+                static const QHash<QString, Qt::Key> Keys{{"Return", Qt::Key_Return}, {"Enter", Qt::Key_Enter},
+                                                          {"PgDn", Qt::Key_PageDown}, {"Escape", Qt::Key_Escape}};
+                if (Keys.contains(Step)) {
+                    QTest::keyClick(Form->focusWidget() ? Form->focusWidget() : Form, Keys[Step]);
                 } else if (Step.startsWith(QLatin1String("btn"))) {
                     QTest::mouseClick(Form->findChild<QAbstractButton*>(Step), Qt::LeftButton);
                 } else if (Step.startsWith(QLatin1Char('W'))) {

@@ -168,18 +168,11 @@ private Q_SLOTS:
         QTEST(IsHijri(date), "isHijri");
     }
 
-    // Known days; the loops below compare every day of both ranges with the reference.
+    // Values outside the ranges the loops below compare day by day with the reference.
     void convertDate_data()
     {
         QTest::addColumn<int>("date");
         QTest::addColumn<int>("expected");
-        QTest::newRow("to hijri") << 20240311 << 14450902;
-        QTest::newRow("to gregorian") << 14450901 << 20240310;
-        QTest::newRow("30th of a 29-day month") << 14441230 << 20230718;
-        QTest::newRow("... back is the 1st") << 20230718 << 14450101;
-        QTest::newRow("year 2000") << 20000101 << 14200925;
-        QTest::newRow("first hijri year") << 13000101 << 18821111;
-        QTest::newRow("355th day of a leap year") << 20240706 << 14451230;
         // No range check: any packed value is converted by the same arithmetic.
         QTest::newRow("hijri month 13, day 99") << 14451399 << 20241012;
         QTest::newRow("hijri month 0, day 0") << 14450000 << 20230618;
