@@ -141,6 +141,14 @@ QByteArray Post(const QString& Path, const QByteArray& Body, const QString& Bear
            + QByteArray::number(Length < 0 ? Body.size() : Length) + "\r\n\r\n" + Body;
 }
 
+// Opens Cds on the provider Items of Remote.
+void OpenItems(TClientDataSet& Cds, TCustomRemoteServer* Remote)
+{
+    Cds.SetRemoteServer(Remote);
+    Cds.SetProviderName(QStringLiteral("Items"));
+    Cds.Open();
+}
+
 QVariant ScalarOf(KeshTest::TTestDatabase& Db, const QString& Sql, const QString& T) { return Db.Scalar(Sql.arg(T)); }
 
 // A scratch SQLite database in Dir holding the table Items.
@@ -161,10 +169,8 @@ class TestAppServer : public QObject
     void EditThrough(TCustomRemoteServer* Remote, KeshTest::TTestDatabase& Db, const QString& T)
     {
         TClientDataSet Cds;
-        Cds.SetRemoteServer(Remote);
-        Cds.SetProviderName(QStringLiteral("Items"));
         Cds.SetPacketRecords(10);
-        Cds.Open();
+        OpenItems(Cds, Remote);
         QCOMPARE(Cds.FetchedRowCount(), 64);  // the packets the first block of rows needs
         QCOMPARE(Cds.RecordCount(), 100);     // the rest read on demand
         QCOMPARE(Cds.KeyFields().size(), 1);
@@ -249,15 +255,8 @@ private Q_SLOTS:
         KESH_OPEN_TEST_DB(Db);
         const QString T = Db->NewTable(QStringLiteral("Id %AUTOKEY%, Name VARCHAR(40), Qty INTEGER DEFAULT 7"));
         Db->Exec(QStringLiteral("INSERT INTO %1 (Name, Qty) VALUES ('old', 1)").arg(T));
-        TRemoteDataModule Module;
-        auto* Conn = new TADOConnection(&Module);
-        Conn->SetConnectionString(Db->ConnectionString());
-        auto* Q = new TADOQuery(&Module);
-        Q->SetConnection(Conn);
-        Q->SetSQL({QStringLiteral("SELECT Id, Name, Qty FROM %1").arg(T)});
-        auto* P = new TDataSetProvider(&Module);
-        P->setObjectName(QStringLiteral("Items"));
-        P->SetDataSet(Q);
+        TItemsModule Module(Db->ConnectionString(), T);
+        auto* P = Module.findChild<TDataSetProvider*>(QStringLiteral("Items"));
         P->SetOptions(TProviderOptions(options));
         P->BeforeUpdateRecord = [](QObject*, TDataSet*, TDeltaRecord& R, TUpdateKind Kind, bool&) {
             if (Kind == ukInsert)
@@ -266,9 +265,7 @@ private Q_SLOTS:
         TLocalConnection Local;
         Local.SetModule(&Module);
         TClientDataSet Cds;
-        Cds.SetRemoteServer(&Local);
-        Cds.SetProviderName(QStringLiteral("Items"));
-        Cds.Open();
+        OpenItems(Cds, &Local);
         for (const char* New : {"abc", "xyz"}) {
             Cds.Append();
             Cds.FieldByName(QStringLiteral("Name"))->SetAsString(QLatin1String(New));
@@ -280,12 +277,12 @@ private Q_SLOTS:
         QCOMPARE(Cds.RecordCount(), 3);
         QCOMPARE(Cds.RecNo(), 1);  // the cursor stays where it was
         QVERIFY(Cds.Locate(QStringLiteral("Name"), name));
-        QCOMPARE(Cds.FieldByName(QStringLiteral("Id"))->IsNull(), !idAssigned);
+        TField* Id = Cds.FieldByName(QStringLiteral("Id"));
+        QCOMPARE(Id->IsNull(), !idAssigned);
         if (idAssigned)
-            QCOMPARE(Db->Scalar(QStringLiteral("SELECT Name FROM %1 WHERE Id = %2").arg(T).arg(Cds.FieldByName(QStringLiteral("Id"))->AsInteger())).toString(), QStringLiteral("ABC"));
-        QCOMPARE(Cds.FieldByName(QStringLiteral("Qty"))->AsVariant().isNull(), qty.isNull());
-        if (!qty.isNull())
-            QCOMPARE(Cds.FieldByName(QStringLiteral("Qty"))->AsInteger(), qty.toInt());
+            QCOMPARE(Db->Scalar(QStringLiteral("SELECT Name FROM %1 WHERE Id = %2").arg(T).arg(Id->AsInteger())).toString(), QStringLiteral("ABC"));
+        TField* Qty = Cds.FieldByName(QStringLiteral("Qty"));
+        QCOMPARE(Qty->IsNull() ? QVariant() : QVariant(Qty->AsInteger()), qty);
         QCOMPARE(Cds.ChangeCount(), 0);  // taking the server's values logs nothing
 
         // Reopened, the rows are read again; a row another user changed is read again alone.
@@ -333,9 +330,7 @@ private Q_SLOTS:
         TLocalConnection Local;
         Local.SetModule(&Module);
         TClientDataSet Cds;
-        Cds.SetRemoteServer(&Local);
-        Cds.SetProviderName(QStringLiteral("Items"));
-        Cds.Open();
+        OpenItems(Cds, &Local);
         Cds.Edit();
         Cds.FieldByName(QStringLiteral("Qty"))->SetAsInteger(5);
         Cds.Post();

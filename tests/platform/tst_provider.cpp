@@ -256,16 +256,12 @@ private Q_SLOTS:
         QStringList Log;
         TDataSetProvider* P = F.Provider;
         auto Note = [&Log](const char* Name) { return [&Log, Name](QObject*, QJsonValue&) { Log << QLatin1String(Name); }; };
-        P->BeforeGetRecords = Note("BeforeGetRecords");
-        P->AfterGetRecords = Note("AfterGetRecords");
-        P->BeforeApplyUpdates = Note("BeforeApplyUpdates");
-        P->AfterApplyUpdates = Note("AfterApplyUpdates");
-        P->BeforeExecute = Note("BeforeExecute");
-        P->AfterExecute = Note("AfterExecute");
-        P->BeforeGetParams = Note("BeforeGetParams");
-        P->AfterGetParams = Note("AfterGetParams");
-        P->BeforeRowRequest = Note("BeforeRowRequest");
-        P->AfterRowRequest = Note("AfterRowRequest");
+        for (auto [Event, Name] : {std::pair{&P->BeforeGetRecords, "BeforeGetRecords"}, {&P->AfterGetRecords, "AfterGetRecords"},
+                                   {&P->BeforeApplyUpdates, "BeforeApplyUpdates"}, {&P->AfterApplyUpdates, "AfterApplyUpdates"},
+                                   {&P->BeforeExecute, "BeforeExecute"}, {&P->AfterExecute, "AfterExecute"},
+                                   {&P->BeforeGetParams, "BeforeGetParams"}, {&P->AfterGetParams, "AfterGetParams"},
+                                   {&P->BeforeRowRequest, "BeforeRowRequest"}, {&P->AfterRowRequest, "AfterRowRequest"}})
+            *Event = Note(Name);
         P->OnGetData = [&](QObject*, TDataPacket&) { Log << QStringLiteral("OnGetData"); };
         P->OnUpdateData = [&](QObject*, QList<TDeltaRecord>&) { Log << QStringLiteral("OnUpdateData"); };
         P->BeforeUpdateRecord = [&](QObject*, TDataSet*, TDeltaRecord&, TUpdateKind K, bool&) { Log << QStringLiteral("BeforeUpdateRecord%1").arg(K); };
