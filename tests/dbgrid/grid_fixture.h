@@ -58,6 +58,13 @@ struct Form
         Grid->setFocus();
         return QTest::qWaitForWindowExposed(&Window);
     }
+    /// Turns an option on or off.
+    void Option(TDBGridOptions O, bool On) { Grid->SetOptions(On ? Grid->GetOptions() | O : Grid->GetOptions() & ~O); }
+    void RightToLeft(bool On)
+    {
+        if (On)
+            Grid->SetBiDiMode(bdRightToLeft);
+    }
     /// The centre of a data cell, in the grid viewport's coordinates.
     QPoint Cell(int Row, int Column) const { return Grid->visualRect(Grid->model()->index(Row, Column)).center(); }
     /// The grid as drawn.
@@ -70,6 +77,14 @@ struct Form
         return Image().pixelColor(P);
     }
 };
+
+/// A "rtl" column with a left-to-right and a right-to-left row.
+inline void AddRtlRows()
+{
+    QTest::addColumn<bool>("rtl");
+    QTest::newRow("ltr") << false;
+    QTest::newRow("rtl") << true;
+}
 
 inline QColor Rgb(quint32 Bgr) { return TColorToQColor(Bgr); }
 

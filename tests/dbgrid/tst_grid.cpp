@@ -98,12 +98,7 @@ private Q_SLOTS:
         QCOMPARE(F.CellColor(3, 3), Rgb(0xE0E8EC - 0x101010));
     }
 
-    void fixedColumns_data()
-    {
-        QTest::addColumn<bool>("rtl");
-        QTest::newRow("left to right") << false;
-        QTest::newRow("right to left") << true;
-    }
+    void fixedColumns_data() { AddRtlRows(); }
     void fixedColumns()
     {
         QFETCH(bool, rtl);
@@ -111,8 +106,7 @@ private Q_SLOTS:
         Form F(Ds.get());
         F.Grid->SetViewRecordNo(true);
         F.Grid->SetFixedColor(0x00FFFF);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         QVERIFY(F.Grid->GetOptions() & dgIndicator);
         QCOMPARE(F.Grid->IndicatorOffset(), 2);
@@ -308,8 +302,7 @@ private Q_SLOTS:
         QFETCH(QString, expected);
         auto Ds = Items(3);
         Form F(Ds.get());
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         ActivateKeyboardLayout(QStringLiteral("00000401"));
         F.Grid->GetColumns()->Items(column)->GetBiDiField()->SetKeyboard(TxColumnKeyboard(keyboard));
@@ -372,14 +365,9 @@ private Q_SLOTS:
         QFETCH(bool, rtl);
         auto Ds = Items(3);
         Form F(Ds.get());
-        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgTitleHotTrack | dgTitleClick);
-        if (hotTrack)
-            Options |= dgTitleHotTrack;
-        if (titleClick)
-            Options |= dgTitleClick;
-        F.Grid->SetOptions(Options);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.Option(dgTitleHotTrack, hotTrack);
+        F.Option(dgTitleClick, titleClick);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         QHeaderView* H = F.Grid->horizontalHeader();
         // A background pixel of title I (clear of its caption and edges), and its caption.
@@ -438,12 +426,8 @@ private Q_SLOTS:
         QFETCH(bool, shown);
         auto Ds = Items(10);
         Form F(Ds.get());
-        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgAlwaysShowEditor | dgEditing);
-        if (always)
-            Options |= dgAlwaysShowEditor;
-        if (editing)
-            Options |= dgEditing;
-        F.Grid->SetOptions(Options);
+        F.Option(dgAlwaysShowEditor, always);
+        F.Option(dgEditing, editing);
         F.Grid->SetReadOnly(readOnly);
         QVERIFY(F.Show());
         F.Grid->SetSelectedIndex(1);
@@ -499,8 +483,7 @@ private Q_SLOTS:
         QMenu Menu;
         Menu.addAction(QStringLiteral("Copy"));
         F.Grid->GetColumns()->Items(1)->SetPopupMenu(&Menu);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         const QRect Cell = F.Grid->visualRect(F.Grid->model()->index(2, column));
         const QPoint At(edge < 0 ? Cell.left() + 2 : edge > 0 ? Cell.right() - 2 : Cell.center().x(), Cell.center().y());
@@ -589,14 +572,9 @@ private Q_SLOTS:
         QFETCH(bool, rtl);
         auto Ds = Items(10);
         Form F(Ds.get());
-        TDBGridOptions Options = F.Grid->GetOptions() & ~(dgColLines | dgRowLines);
-        if (cols)
-            Options |= dgColLines;
-        if (rows)
-            Options |= dgRowLines;
-        F.Grid->SetOptions(Options);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.Option(dgColLines, cols);
+        F.Option(dgRowLines, rows);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         QStyleOptionViewItem Option;
         Option.initFrom(F.Grid);
@@ -622,12 +600,7 @@ private Q_SLOTS:
         QCOMPARE(Editor->geometry(), F.Grid->visualRect(F.Grid->currentIndex()));
     }
 
-    void recordNumberTitle_data()
-    {
-        QTest::addColumn<bool>("rtl");
-        QTest::newRow("ltr") << false;
-        QTest::newRow("rtl") << true;
-    }
+    void recordNumberTitle_data() { AddRtlRows(); }
     void recordNumberTitle()
     {
         // The corner holds the record-number title: its pixels differ between "No." and "م",
@@ -636,8 +609,7 @@ private Q_SLOTS:
         auto Ds = Items(3);
         Form F(Ds.get());
         F.Grid->SetViewRecordNo(true);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         QAbstractButton* Corner = F.Grid->findChild<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
         QVERIFY(Corner);

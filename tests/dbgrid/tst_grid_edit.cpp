@@ -65,12 +65,7 @@ private Q_SLOTS:
     // Invoice lines typed from the keyboard alone: a pick-list item column, a quantity, a
     // price the item fills in and a computed read-only total; Enter goes through the columns
     // and on to a new line at the end, which the next Enter past the last column posts.
-    void invoiceLinesFromTheKeyboard_data()
-    {
-        QTest::addColumn<bool>("rtl");
-        QTest::newRow("ltr") << false;
-        QTest::newRow("rtl") << true;
-    }
+    void invoiceLinesFromTheKeyboard_data() { AddRtlRows(); }
     void invoiceLinesFromTheKeyboard()
     {
         QFETCH(bool, rtl);
@@ -98,8 +93,7 @@ private Q_SLOTS:
             F.Grid->GetColumns()->Add()->SetFieldName(QLatin1String(Name));
         F.Grid->GetColumns()->Items(0)->SetPickList(Prices.keys());
         F.Grid->GetColumns()->Items(3)->SetReadOnly(true);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         // From the last column of the last line, Enter starts a new line at the end.
         F.Grid->SetSelectedIndex(3);

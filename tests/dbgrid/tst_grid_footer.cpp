@@ -194,8 +194,7 @@ private Q_SLOTS:
         Footer.SetSeparator(separator);
         F.Grid->SetGridFooter(&Footer);
         F.Grid->GetColumns()->Items(0)->GetBiDiField()->SetAlign_a(Qt::AlignLeft);
-        if (rtl)
-            F.Grid->SetBiDiMode(bdRightToLeft);
+        F.RightToLeft(rtl);
         QVERIFY(F.Show());
         QCoreApplication::processEvents();
         // Directly under the grid, as wide as it.
