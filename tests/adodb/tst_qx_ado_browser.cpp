@@ -21,14 +21,12 @@ namespace {
 void SetUpCustomers(TQxAdoBrowser& B, const QString& Table = QStringLiteral("Customers"))
 {
     B.SetSourceTables(Table);
-    TQxAdoBrowserItem* Code = B.BrowserItems()->Add();
-    Code->SetFieldName_a(QStringLiteral("Code"));
-    Code->SetFieldName_e(QStringLiteral("Code"));
-    Code->SetDataType(ftInteger);
-    TQxAdoBrowserItem* Name = B.BrowserItems()->Add();
-    Name->SetFieldName_a(QStringLiteral("Name_a"));
-    Name->SetFieldName_e(QStringLiteral("Name_e"));
-    Name->SetDataType(ftWideString);
+    for (auto [A, E, Type] : {std::tuple{"Code", "Code", ftInteger}, std::tuple{"Name_a", "Name_e", ftWideString}}) {
+        TQxAdoBrowserItem* Item = B.BrowserItems()->Add();
+        Item->SetFieldName_a(QLatin1String(A));
+        Item->SetFieldName_e(QLatin1String(E));
+        Item->SetDataType(Type);
+    }
 }
 
 } // namespace
@@ -229,13 +227,7 @@ private Q_SLOTS:
         B.setObjectName(QStringLiteral("brCustomers"));
         KeshTest::DialogDriver Driver;
         Driver.Click(QStringLiteral("btnOk"));
-        bool Aborted = false;
-        try {
-            B.ShowBrowser();
-        } catch (const EAbort&) {
-            Aborted = true;
-        }
-        QVERIFY(Aborted);
+        QVERIFY_THROWS_EXCEPTION(EAbort, B.ShowBrowser());
         QCOMPARE(Driver.Seen.size(), 1);
         QCOMPARE(Driver.Seen[0].Text, QStringLiteral("brCustomers\r\nNo fields has been defined in the browser."));
     }
@@ -252,8 +244,7 @@ private Q_SLOTS:
         TQxAdoBrowser B;
         B.SetConnection(&Conn);
         B.SetSourceTables(T);
-        const char* Names[] = {"Code", "Name_e", "Price", "Day"};
-        for (const char* N : Names) {
+        for (const char* N : {"Code", "Name_e", "Price", "Day"}) {
             TQxAdoBrowserItem* Item = B.BrowserItems()->Add();
             Item->SetFieldName_a(QLatin1String(N));
             Item->SetFieldName_e(QLatin1String(N));

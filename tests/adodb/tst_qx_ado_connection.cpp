@@ -80,6 +80,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
+        Application()->SetBiDiMode(bdLeftToRight);
         Conn.Close();
         if (!Schema.isEmpty()) {
             TADOConnection Admin;
@@ -226,15 +227,8 @@ private Q_SLOTS:
             KeshTest::DialogDriver Driver;
             Driver.Click(QStringLiteral("btnOk"));
             Application()->SetBiDiMode(Mode);
-            bool Aborted = false;
-            try {
-                Conn.NameLookup(QStringLiteral("Items"), QStringLiteral("Item_id = 1"), Mode,
-                                QStringLiteral("Title_a"), QStringLiteral("Title"));
-            } catch (const EAbort&) {
-                Aborted = true;
-            }
-            Application()->SetBiDiMode(bdLeftToRight);
-            QVERIFY(Aborted);
+            QVERIFY_THROWS_EXCEPTION(EAbort, Conn.NameLookup(QStringLiteral("Items"), QStringLiteral("Item_id = 1"), Mode,
+                                                             QStringLiteral("Title_a"), QStringLiteral("Title")));
             QCOMPARE(Driver.Seen.size(), 1);
             QCOMPARE(Driver.Seen[0].Text, Mode == bdRightToLeft
                          ? QStringLiteral("ربما أحد أو كلا الحقلين [Name_a] و [Name_e] غير موجود.")
