@@ -28,9 +28,7 @@ struct TLogCapture
 QString MakeItems(KeshTest::TTestDatabase& Db)
 {
     const QString T = Db.NewTable(QStringLiteral("Id INTEGER PRIMARY KEY, Group_id INTEGER, Kind VARCHAR(5)"));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 5, 'A')").arg(T));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (2, 5, 'B')").arg(T));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (3, 6, 'A')").arg(T));
+    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 5, 'A'), (2, 5, 'B'), (3, 6, 'A')").arg(T));
     return T;
 }
 
@@ -44,6 +42,13 @@ TQxProviderItem* AddItem(TQxProviderList& List, const QString& Name, const QStri
 }
 
 } // namespace
+
+// Db with the table T of MakeItems, and a provider List on a remote data module.
+#define OPEN_LIST()                                                                                          \
+    KESH_OPEN_TEST_DB(Db);                                                                                   \
+    const QString T = MakeItems(*Db);                                                                        \
+    TRemoteDataModule Module;                                                                                \
+    auto* List = new TQxProviderList(&Module)
 
 class TestQxProviderList : public QObject
 {
@@ -131,10 +136,7 @@ private Q_SLOTS:
         QFETCH(QString, params);
         QFETCH(QString, expected);
         QFETCH(int, rows);
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = MakeItems(*Db);
-        TRemoteDataModule Module;
-        auto* List = new TQxProviderList(&Module);
+        OPEN_LIST();
         TQxProviderItem* Item = AddItem(*List, QStringLiteral("Items"), sql.arg(T));
         List->SetConnection(Db->Connection());
         TLogCapture Log;
@@ -149,10 +151,7 @@ private Q_SLOTS:
     void setParamsErrors_data() { KeshTest::AddDriverRows(); }
     void setParamsErrors()
     {
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = MakeItems(*Db);
-        TRemoteDataModule Module;
-        auto* List = new TQxProviderList(&Module);
+        OPEN_LIST();
         TQxProviderItem* Item = AddItem(*List, QStringLiteral("Items"), QStringLiteral("select * from %1 where Id = :P1").arg(T));
         List->SetConnection(Db->Connection());
         TLogCapture Log;
@@ -187,10 +186,7 @@ private Q_SLOTS:
         QFETCH(QString, defaults);
         QFETCH(int, rows);
         QFETCH(bool, logged);
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = MakeItems(*Db);
-        TRemoteDataModule Module;
-        auto* List = new TQxProviderList(&Module);
+        OPEN_LIST();
         TQxProviderItem* Item = AddItem(*List, QStringLiteral("Items"),
                                         QStringLiteral("select * from %1 where Group_id = :P1 and Kind = :P2").arg(T), defaults);
         List->SetConnection(Db->Connection());
@@ -207,10 +203,7 @@ private Q_SLOTS:
     void refresh_data() { KeshTest::AddDriverRows(); }
     void refresh()
     {
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = MakeItems(*Db);
-        TRemoteDataModule Module;
-        auto* List = new TQxProviderList(&Module);
+        OPEN_LIST();
         TQxProviderItem* Open = AddItem(*List, QStringLiteral("Items"), QStringLiteral("select * from %1").arg(T));
         TQxProviderItem* Closed = AddItem(*List, QStringLiteral("items"), QStringLiteral("select * from %1").arg(T));
         List->SetConnection(Db->Connection());
@@ -226,27 +219,16 @@ private Q_SLOTS:
     void forwarders_data() { KeshTest::AddDriverRows(); }
     void forwarders()
     {
-        KESH_OPEN_TEST_DB(Db);
-        const QString T = MakeItems(*Db);
-        TRemoteDataModule Module;
-        auto* List = new TQxProviderList(&Module);
+        OPEN_LIST();
         TQxProviderItem* A = AddItem(*List, QStringLiteral("A"), QStringLiteral("select * from %1").arg(T));
         TQxProviderItem* B = AddItem(*List, QStringLiteral("B"), QStringLiteral("select * from %1").arg(T));
         List->SetConnection(Db->Connection());
         QStringList Heard;
-        auto Note = [&Heard](const char* Name) {
-            return [&Heard, Name](QObject* Sender, QJsonValue&) { Heard << Sender->objectName() + QLatin1Char('.') + QLatin1String(Name); };
-        };
-        List->BeforeGetRecords = Note("BeforeGetRecords");
-        List->AfterGetRecords = Note("AfterGetRecords");
-        List->BeforeApplyUpdates = Note("BeforeApplyUpdates");
-        List->AfterApplyUpdates = Note("AfterApplyUpdates");
-        List->BeforeExecute = Note("BeforeExecute");
-        List->AfterExecute = Note("AfterExecute");
-        List->BeforeGetParams = Note("BeforeGetParams");
-        List->AfterGetParams = Note("AfterGetParams");
-        List->BeforeRowRequest = Note("BeforeRowRequest");
-        List->AfterRowRequest = Note("AfterRowRequest");
+#define NOTE(Event) List->Event = [&Heard](QObject* S, QJsonValue&) { Heard << S->objectName() + QStringLiteral("." #Event); }
+        NOTE(BeforeGetRecords); NOTE(AfterGetRecords); NOTE(BeforeApplyUpdates); NOTE(AfterApplyUpdates);
+        NOTE(BeforeExecute); NOTE(AfterExecute); NOTE(BeforeGetParams); NOTE(AfterGetParams);
+        NOTE(BeforeRowRequest); NOTE(AfterRowRequest);
+#undef NOTE
         List->OnGetData = [&](QObject* S, TDataPacket&) { Heard << S->objectName() + QStringLiteral(".OnGetData"); };
         List->OnUpdateData = [&](QObject* S, QList<TDeltaRecord>&) { Heard << S->objectName() + QStringLiteral(".OnUpdateData"); };
         List->BeforeUpdateRecord = [&](QObject* S, TDataSet*, TDeltaRecord&, TUpdateKind, bool&) { Heard << S->objectName() + QStringLiteral(".BeforeUpdateRecord"); };

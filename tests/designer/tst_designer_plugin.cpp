@@ -641,8 +641,6 @@ private Q_SLOTS:
         QVERIFY(File.open(QIODevice::WriteOnly));
         File.write(Ui.data());
         File.close();
-        if (qEnvironmentVariableIsSet("KESH_KEEP_UI"))
-            QFile::copy(File.fileName(), qEnvironmentVariable("KESH_KEEP_UI"));
         QVERIFY2(Ui.data().contains("name=\"_Caption_a\" stdset=\"0\""), Ui.data().left(2000).constData());
         QVERIFY(Ui.data().contains("name=\"_FixedSize\" stdset=\"0\""));
         QVERIFY(Ui.data().contains("name=\"_Font_a\" stdset=\"0\""));
