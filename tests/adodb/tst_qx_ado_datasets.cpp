@@ -29,9 +29,8 @@ class TestQxAdoDataSets : public QObject
                 return false;
             Table = Db->NewTable(QStringLiteral("Id INTEGER PRIMARY KEY, Name VARCHAR(30), Qty INTEGER, "
                                                 "Price NUMERIC(10,2), Locked BOOLEAN"));
-            Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 'Pen', 3, 2.50, NULL)").arg(Table));
-            Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (2, 'Ink', 4, 7.25, %2)").arg(Table, Db->IsPostgres() ? "TRUE" : "1"));
-            Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (3, 'Pad', NULL, NULL, %2)").arg(Table, Db->IsPostgres() ? "FALSE" : "0"));
+            Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 'Pen', 3, 2.50, NULL), (2, 'Ink', 4, 7.25, %2), (3, 'Pad', NULL, NULL, %3)")
+                         .arg(Table, Db->IsPostgres() ? "TRUE" : "1", Db->IsPostgres() ? "FALSE" : "0"));
             Form = std::make_unique<QWidget>();
             Form->setObjectName(QStringLiteral("FormItems"));
             Manager = new TQxForm(Form.get(), QStringLiteral("QxForm1"));
@@ -107,10 +106,7 @@ private Q_SLOTS:
 
     // Edit and delete of each row, in both languages: the locked row shows the form's
     // message in the application's language and stays as it was; a null lock is no lock.
-    void lockedRow_data()
-    {
-        KeshTest::AddDriverRows();
-    }
+    void lockedRow_data() { KeshTest::AddDriverRows(); }
     void lockedRow()
     {
         KESH_FIXTURE(F);
@@ -154,24 +150,17 @@ private Q_SLOTS:
     // The confirmation question: "no" keeps the row, "yes" deletes it.
     void confirmDelete_data()
     {
+        QTest::addColumn<QString>("driver");
         QTest::addColumn<QString>("answer");
         QTest::addColumn<int>("rowsLeft");
         for (const char* Driver : {"sqlite", "postgres"}) {
-            QTest::addRow("%s no", Driver) << QStringLiteral("btnNo") << 3;
-            QTest::addRow("%s yes", Driver) << QStringLiteral("btnYes") << 2;
+            QTest::addRow("%s no", Driver) << QString::fromLatin1(Driver) << QStringLiteral("btnNo") << 3;
+            QTest::addRow("%s yes", Driver) << QString::fromLatin1(Driver) << QStringLiteral("btnYes") << 2;
         }
     }
     void confirmDelete()
     {
-        const QString Tag = QString::fromLatin1(QTest::currentDataTag());
-        const QString driver = Tag.section(QLatin1Char(' '), 0, 0);
-        TFixture F;
-        QString Reason;
-        if (!F.Make(driver, Reason)) {
-            if (driver == QLatin1String("postgres") && !KeshTest::PostgresRequired())
-                QSKIP(qPrintable(Reason));
-            QFAIL(qPrintable(Reason));
-        }
+        KESH_FIXTURE(F);
         QFETCH(QString, answer);
         QFETCH(int, rowsLeft);
         auto Set = F.OpenSet<TQxAdoDataSet>(F.Form.get());
