@@ -16,10 +16,8 @@ namespace {
 QString MakeUnits(KeshTest::TTestDatabase& Db)
 {
     const QString T = Db.NewTable(QStringLiteral("Code INTEGER, Name_a VARCHAR(30), Name_e VARCHAR(30), Active INTEGER"));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (5, 'صندوق', 'Box', 1)").arg(T));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 'قطعة', 'Piece', 1)").arg(T));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (5, 'كرتون', 'Carton', 1)").arg(T));
-    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (7, 'متر', 'Metre', 0)").arg(T));
+    Db.Exec(QStringLiteral("INSERT INTO %1 VALUES (5, 'صندوق', 'Box', 1), (1, 'قطعة', 'Piece', 1), (5, 'كرتون', 'Carton', 1), "
+                           "(7, 'متر', 'Metre', 0)").arg(T));
     return T;
 }
 
@@ -100,10 +98,7 @@ private Q_SLOTS:
     void incompleteConfigurationLeavesEmpty()
     {
         TQxAdoDropList L;
-        L.SetListKey(QStringLiteral("Code"));
-        L.SetListField_a(QStringLiteral("Name_a"));
-        L.SetListField_e(QStringLiteral("Name_e"));
-        L.SetListTable(QStringLiteral("Units"));
+        Configure(L, nullptr, QStringLiteral("Units"));
         L.FillDataList();  // no connection: nothing, no message
         QCOMPARE(L.count(), 0);
     }
@@ -140,8 +135,7 @@ private Q_SLOTS:
         KESH_OPEN_TEST_DB(Db);
         const QString Units = MakeUnits(*Db);
         const QString Lines = Db->NewTable(QStringLiteral("Line_id INTEGER PRIMARY KEY, Unit INTEGER, Boxed BOOLEAN"));
-        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 5, TRUE)").arg(Lines));
-        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (2, 1, FALSE)").arg(Lines));
+        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (1, 5, TRUE), (2, 1, FALSE)").arg(Lines));
         TADOQuery Q;
         Q.SetConnection(Db->Connection());
         Q.SetSQL({QStringLiteral("SELECT Line_id, Unit, Boxed FROM %1 ORDER BY Line_id").arg(Lines)});
@@ -166,8 +160,7 @@ private Q_SLOTS:
 
         // A Boolean field shows as -1/0 and takes the key read as a Boolean.
         const QString Flags = Db->NewTable(QStringLiteral("Code INTEGER, Name_a VARCHAR(9), Name_e VARCHAR(9), X INTEGER"));
-        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (-1, 'نعم', 'Yes', 0)").arg(Flags));
-        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (0, 'لا', 'No', 0)").arg(Flags));
+        Db->Exec(QStringLiteral("INSERT INTO %1 VALUES (-1, 'نعم', 'Yes', 0), (0, 'لا', 'No', 0)").arg(Flags));
         TQxAdoLookupDropList B;
         Configure(B, Db->Connection(), Flags);
         B.SetDataSource(&Source);
@@ -194,13 +187,7 @@ private Q_SLOTS:
         L.setObjectName(QStringLiteral("cbUnit"));
         KeshTest::DialogDriver Driver;
         Driver.Click(QStringLiteral("btnOk"));
-        bool Aborted = false;
-        try {
-            L.Requery();
-        } catch (const EAbort&) {
-            Aborted = true;
-        }
-        QVERIFY(Aborted);
+        QVERIFY_THROWS_EXCEPTION(EAbort, L.Requery());
         QCOMPARE(Driver.Seen.size(), 1);
         QCOMPARE(Driver.Seen[0].Text, QStringLiteral("cbUnit: No connection assigned."));
     }

@@ -66,6 +66,11 @@ struct Pictures
         Ds.Post();
         Source.SetDataSet(&Ds);
     }
+    void Bind(TQxdbImage& Image)
+    {
+        Image.SetDataSource(&Source);
+        Image.SetDataField(QStringLiteral("Photo"));
+    }
     void Store(const QByteArray& Bytes)
     {
         Ds.Edit();
@@ -73,6 +78,34 @@ struct Pictures
         Ds.Post();
     }
 };
+
+// A dataset of Rows rows with one string column, Name, and its source.
+struct Names
+{
+    TClientDataSet Ds;
+    TDataSource Source;
+    explicit Names(int Rows = 0)
+    {
+        Ds.FieldDefs().Add(QStringLiteral("Name"), ftString, 20);
+        Ds.CreateDataSet();
+        for (int I = 0; I < Rows; ++I) {
+            Ds.Append();
+            Ds.Post();
+        }
+        Source.SetDataSet(&Ds);
+    }
+};
+
+// Whether Run ends in a silent abort.
+bool Aborts(const std::function<void()>& Run)
+{
+    try {
+        Run();
+    } catch (const EAbort&) {
+        return true;
+    }
+    return false;
+}
 
 struct Language
 {
@@ -151,8 +184,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         Pictures P;
         TQxdbImage Image;
-        Image.SetDataSource(&P.Source);
-        Image.SetDataField(QStringLiteral("Photo"));
+        P.Bind(Image);
         QTemporaryDir Dir;
         P.Store(PictureFile(Dir, QStringLiteral("png")));
         QVERIFY(!Image.Picture().isNull());
@@ -189,8 +221,7 @@ private slots:
         Language L(rightToLeft);
         Pictures P;
         TQxdbImage Image;
-        Image.SetDataSource(&P.Source);
-        Image.SetDataField(QStringLiteral("Photo"));
+        P.Bind(Image);
         QTemporaryDir Dir;
         QString Path = Dir.filePath(QStringLiteral("missing.png"));
         QByteArray Bytes;
@@ -205,13 +236,7 @@ private slots:
         DialogDriver Driver;
         if (!message.isEmpty())
             Driver.Click(QStringLiteral("OK"));
-        bool Aborted = false;
-        try {
-            Image.LoadFromFile(Path);
-        } catch (const EAbort&) {
-            Aborted = true;
-        }
-        QCOMPARE(Aborted, !message.isEmpty());
+        QCOMPARE(Aborts([&] { Image.LoadFromFile(Path); }), !message.isEmpty());
         if (message.isEmpty()) {
             QCOMPARE(P.Ds.State(), dsEdit);
             QCOMPARE(P.Ds.FieldByName(QStringLiteral("Photo"))->AsBytes(), Bytes);
@@ -243,13 +268,7 @@ private slots:
         Image.SetDataSource(&P.Source);
         DialogDriver Driver;
         Driver.Click(QStringLiteral("OK"));
-        bool Aborted = false;
-        try {
-            Image.SetDataField(field);
-        } catch (const EAbort&) {
-            Aborted = true;
-        }
-        QCOMPARE(Aborted, !accepted);
+        QCOMPARE(Aborts([&] { Image.SetDataField(field); }), !accepted);
         QCOMPARE(Image.Field() != nullptr, accepted);
         QCOMPARE(Driver.Seen.size(), accepted ? 0 : 1);
         if (!accepted)
@@ -293,15 +312,9 @@ private slots:
         QFETCH(int, rule);
         QFETCH(int, rows);
         QFETCH(QString, enabledIn);
-        TClientDataSet Ds;
-        Ds.FieldDefs().Add(QStringLiteral("Name"), ftString, 20);
-        Ds.CreateDataSet();
-        for (int I = 0; I < rows; ++I) {
-            Ds.Append();
-            Ds.Post();
-        }
-        TDataSource Source;
-        Source.SetDataSet(&Ds);
+        Names N(rows);
+        TClientDataSet& Ds = N.Ds;
+        TDataSource& Source = N.Source;
         QWidget Form;
         auto* Panel = new TQxdbPanel(&Form);
         auto* Inside = new TQxEdit(Panel);
@@ -328,11 +341,9 @@ private slots:
     // The source's own handler keeps working, once per change, after the panel's.
     void panelChainsTheSourceHandler()
     {
-        TClientDataSet Ds;
-        Ds.FieldDefs().Add(QStringLiteral("Name"), ftString, 20);
-        Ds.CreateDataSet();
-        TDataSource Source;
-        Source.SetDataSet(&Ds);
+        Names N;
+        TClientDataSet& Ds = N.Ds;
+        TDataSource& Source = N.Source;
         QStringList Calls;
         QWidget Form;
         auto* Panel = new TQxdbPanel(&Form);
@@ -359,11 +370,9 @@ private slots:
     // A panel made in code after building is not hooked: it follows only on Refresh.
     void panelCreatedInCodeIsNotHooked()
     {
-        TClientDataSet Ds;
-        Ds.FieldDefs().Add(QStringLiteral("Name"), ftString, 20);
-        Ds.CreateDataSet();
-        TDataSource Source;
-        Source.SetDataSet(&Ds);
+        Names N;
+        TClientDataSet& Ds = N.Ds;
+        TDataSource& Source = N.Source;
         int Own = 0;
         Source.OnStateChange = [&](TDataSource*) { ++Own; };
         QWidget Form;
