@@ -58,6 +58,12 @@ struct TSample
     KESH_OPEN_PRIVATE_TEST_DB(Sample##Db); \
     TSample Sample(*Sample##Db);
 
+// A list form of Class on the sample of the current driver, shown.
+#define SHOW_LIST(Class, Form, Db) \
+    OPEN_SAMPLE_DB(Db);            \
+    Class Form(Db.Context);        \
+    ShowForm(Form);
+
 // The same on SQLite only, for what does not depend on the server.
 #define OPEN_SQLITE_SAMPLE(Sample)                                                               \
     QString Sample##Reason;                                                                      \
@@ -194,9 +200,7 @@ private Q_SLOTS:
     // A name changed in the card and saved with Ctrl+S is what the database holds.
     void editName()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TCustomersForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TCustomersForm, Form, Db);
         Form.Grid()->setFocus();
         for (int I = 0; I < 4; ++I)
             QTest::keyClick(Form.Grid(), Qt::Key_Down);
@@ -246,9 +250,7 @@ private Q_SLOTS:
     // counts it.
     void insertCustomer()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TCustomersForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TCustomersForm, Form, Db);
         const int Count = Db.Scalar(QStringLiteral("SELECT COUNT(*) FROM Customers")).toInt();
         const int Next = Db.Scalar(QStringLiteral("SELECT MAX(Cust_id) FROM Customers")).toInt() + 1;
         QCOMPARE(Form.RecordCount(), Count);
@@ -281,9 +283,7 @@ private Q_SLOTS:
     // Ctrl+Del asks first: No keeps the customer, Yes deletes it in the database.
     void deleteAsks()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TCustomersForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TCustomersForm, Form, Db);
         QVERIFY(Form.DataSet()->Locate(QStringLiteral("Cust_id"), 42));
         const int Count = Form.RecordCount();
         for (const char* Answer : {"btnNo", "btnYes"}) {
@@ -306,9 +306,7 @@ private Q_SLOTS:
     // After edits through the card the footer's totals are the database's sums.
     void footerTotals()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TCustomersForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TCustomersForm, Form, Db);
         QTRY_VERIFY(Form.Footer()->TotalsReady());
         QCOMPARE(FooterText(Form, 4), Total(Db, QStringLiteral("Credit_limit"), QStringLiteral("Customers")));
         QCOMPARE(FooterText(Form, 5), Total(Db, QStringLiteral("Balance"), QStringLiteral("Customers")));
@@ -327,9 +325,7 @@ private Q_SLOTS:
     // A typed change that is neither saved nor cancelled keeps the form open, with a message.
     void closeRefusedWhileEditing()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TCustomersForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TCustomersForm, Form, Db);
         Retype(W<QWidget>(Form, "xPhone"), QStringLiteral("0500000000"));
         {
             KeshTest::DialogDriver Driver;
@@ -351,9 +347,7 @@ private Q_SLOTS:
     // database's sums of stock and of stock times price.
     void itemsStockValue()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TItemsForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TItemsForm, Form, Db);
         QTRY_VERIFY(Form.Footer()->TotalsReady());
         const QString StockValue = QStringLiteral("Stock * Price");
         QCOMPARE(FooterText(Form, 5), Total(Db, StockValue, QStringLiteral("Items")));
@@ -376,9 +370,7 @@ private Q_SLOTS:
     // and keeps (and names the count of) those an invoice line uses.
     void itemsDeleteSelected()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TItemsForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TItemsForm, Form, Db);
         // Two unused items and one used one among the rows on screen (the grid is in key order).
         QList<int> Unused, Used;
         for (int Id = 1; Id <= 12; ++Id)
@@ -415,9 +407,7 @@ private Q_SLOTS:
     // file that is no picture is refused with a message.
     void itemsPicture()
     {
-        OPEN_SAMPLE_DB(Db);
-        Demo::TItemsForm Form(Db.Context);
-        ShowForm(Form);
+        SHOW_LIST(Demo::TItemsForm, Form, Db);
         QVERIFY(Form.DataSet()->Locate(QStringLiteral("Item_id"), 3));
         QTemporaryDir Dir;
         QImage Picture(40, 30, QImage::Format_RGB32);
