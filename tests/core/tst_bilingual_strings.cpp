@@ -40,6 +40,14 @@ TxBiStrings Make(const QList<int>& IDs)
     return L;
 }
 
+template <class T> QByteArray Streamed(const T& Value)
+{
+    QByteArray Data;
+    QDataStream Out(&Data, QIODevice::WriteOnly);
+    Out << Value;
+    return Data;
+}
+
 QByteArray Stored(const std::function<void(TWriter&)>& Write)
 {
     QByteArray Data;
@@ -263,25 +271,15 @@ private Q_SLOTS:
         TxBiStrings L;
         for (int ID : ids)
             L.Add(ID, arabic + QString::number(ID), QStringLiteral("Item %1").arg(ID), RaError);
-        QByteArray Data;
-        {
-            QDataStream Out(&Data, QIODevice::WriteOnly);
-            Out << L;
-        }
         TxBiStrings Read = Make({42}); // replaced, not merged
-        QDataStream In(Data);
+        QDataStream In(Streamed(L));
         In >> Read;
         QCOMPARE(Read, L);
         QVERIFY(In.atEnd());
 
         // Through a QVariant, as a stored property value.
-        QByteArray VariantData;
-        {
-            QDataStream Out(&VariantData, QIODevice::WriteOnly);
-            Out << QVariant::fromValue(L);
-        }
         QVariant Back;
-        QDataStream VariantIn(VariantData);
+        QDataStream VariantIn(Streamed(QVariant::fromValue(L)));
         VariantIn >> Back;
         QCOMPARE(Back.value<TxBiStrings>(), L);
     }
@@ -344,11 +342,7 @@ private Q_SLOTS:
     {
         TxBiStrings L = Make({1, 2, 3});
         L.Add(4, QStringLiteral("عربي"), QStringLiteral("English"), RaError);
-        QByteArray Data;
-        {
-            QDataStream Out(&Data, QIODevice::WriteOnly);
-            Out << L;
-        }
+        const QByteArray Data = Streamed(L);
         for (int Cut = 0; Cut < Data.size(); ++Cut) {
             TxBiStrings Target = Make({9});
             QDataStream In(Data.left(Cut));

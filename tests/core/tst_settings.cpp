@@ -70,14 +70,6 @@ QString MakeProgram(const QString& Path, const QString& Mark)
     return Path;
 }
 
-QStringList Shown(const KeshTest::DialogDriver& Driver)
-{
-    QStringList R;
-    for (const KeshTest::DialogSeen& D : Driver.Seen)
-        R << D.Text;
-    return R;
-}
-
 } // namespace
 
 class TestSettings : public QObject
@@ -240,8 +232,8 @@ private Q_SLOTS:
         KeshTest::DialogDriver Driver;
         Driver.Click(QStringLiteral("btnOk"));
         QVERIFY_THROWS_EXCEPTION(EAbort, SaveSetting(section, key, value));
-        QCOMPARE(Shown(Driver).size(), 1);
-        QVERIFY(Shown(Driver).first().startsWith(QStringLiteral("SaveSetting\r\n")));
+        QCOMPARE(Driver.Seen.size(), 1);
+        QVERIFY(Driver.Seen[0].Text.startsWith(QStringLiteral("SaveSetting\r\n")));
         QCOMPARE(ReadText(ConfigFile), Before);
     }
 
@@ -324,8 +316,7 @@ private Q_SLOTS:
         QFETCH(QString, file);
         QFETCH(QString, params);
         QFETCH(bool, wait);
-        QFETCH(int, result);
-        QCOMPARE(Execute(file, params, wait), result);
+        QTEST(Execute(file, params, wait), "result");
     }
 
     void executeWithoutWaitStartsTheProgram()
@@ -354,12 +345,10 @@ private Q_SLOTS:
     void formLoadedFindsMdiChildren()
     {
         QMdiArea Area;
-        auto* First = new QWidget;
-        First->setObjectName(QStringLiteral("Child1"));
-        auto* Second = new QWidget;
-        Second->setObjectName(QStringLiteral("Child2"));
-        QMdiSubWindow* Sub1 = Area.addSubWindow(First);
-        QMdiSubWindow* Sub2 = Area.addSubWindow(Second);
+        QMdiSubWindow* Sub1 = Area.addSubWindow(new QWidget);
+        QMdiSubWindow* Sub2 = Area.addSubWindow(new QWidget);
+        Sub1->widget()->setObjectName(QStringLiteral("Child1"));
+        Sub2->widget()->setObjectName(QStringLiteral("Child2"));
         Area.show();
         QVERIFY(QTest::qWaitForWindowActive(&Area));
         Area.setActiveSubWindow(Sub2);

@@ -85,7 +85,6 @@ private slots:
         QTest::addColumn<int>("day");
         QTest::addColumn<bool>("valid");
         QTest::addColumn<double>("value");
-
         QTest::newRow("day zero") << 1899 << 12 << 30 << true << 0.0;
         QTest::newRow("leap day") << 2024 << 2 << 29 << true << 45351.0;
         QTest::newRow("first day") << 1 << 1 << 1 << true << -693593.0;
@@ -128,7 +127,6 @@ private slots:
         QTest::addColumn<int>("msec");
         QTest::addColumn<bool>("valid");
         QTest::addColumn<double>("value");
-
         QTest::newRow("midnight") << 0 << 0 << 0 << 0 << true << 0.0;
         QTest::newRow("06:00") << 6 << 0 << 0 << 0 << true << 0.25;
         QTest::newRow("12:30") << 12 << 30 << 0 << 0 << true << 750.0 / 1440.0;
@@ -163,7 +161,6 @@ private slots:
     {
         QTest::addColumn<double>("value");
         QTest::addColumn<QString>("time");
-
         const double HalfPast12 = Mar5 + EncodeTime(12, 30, 59, 999);
         QTest::newRow("rounds up to the next minute") << HalfPast12 + 0.6 * MSec << "12:31:00.000";
         QTest::newRow("rounds down") << HalfPast12 + 0.4 * MSec << "12:30:59.999";
@@ -182,7 +179,6 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("time"); // empty: refused
-
         QTest::newRow("hours and minutes") << "10:30" << "10:30:00.000";
         QTest::newRow("hour only") << "10" << "10:00:00.000";
         QTest::newRow("blanks around the parts") << " 7 : 5 " << "07:05:00.000";
@@ -233,7 +229,6 @@ private slots:
         QTest::addColumn<int>("dayOfWeek");
         QTest::addColumn<bool>("leap");
         QTest::addColumn<int>("days"); // in the value's month
-
         QTest::newRow("Sunday, leap February") << EncodeDate(2024, 2, 25) << QDate(2024, 2, 25) << 1 << true << 29;
         QTest::newRow("Friday evening, February of 2023") << EncodeDate(2023, 2, 3) + 0.9 << QDate(2023, 2, 3) << 6 << false << 28;
         QTest::newRow("last moment of a Tuesday") << Mar5 + 86399999.6 * MSec << QDate(2024, 3, 5) << 3 << true << 31;
@@ -269,7 +264,6 @@ private slots:
         QTest::addColumn<double>("value");
         QTest::addColumn<int>("days");
         QTest::addColumn<double>("result");
-
         QTest::newRow("forward") << 45356.75 << 10 << 45366.75;
         QTest::newRow("backward") << 45356.75 << -45356 << 0.75;
         // 1899-12-30 06:00 is -0.25 written the classic way round: one day on is 1899-12-31 06:00.
@@ -291,7 +285,6 @@ private slots:
         QTest::addColumn<QDate>("date");
         QTest::addColumn<int>("months");
         QTest::addColumn<QDate>("expected");
-
         QTest::newRow("clamped into leap February") << QDate(2024, 1, 31) << 1 << QDate(2024, 2, 29);
         QTest::newRow("clamped into February") << QDate(2023, 1, 31) << 1 << QDate(2023, 2, 28);
         QTest::newRow("backward clamped") << QDate(2024, 3, 31) << -1 << QDate(2024, 2, 29);
@@ -331,7 +324,6 @@ private slots:
     {
         QTest::addColumn<double>("value");
         QTest::addColumn<QDateTime>("dateTime");
-
         QTest::newRow("afternoon") << Mar5 + 0.5 + 90.0 / 1440 << QDateTime(QDate(2024, 3, 5), QTime(13, 30), Qt::LocalTime);
         QTest::newRow("negative") << -1.25 << QDateTime(QDate(1899, 12, 29), QTime(6, 0), Qt::LocalTime);
         QTest::newRow("milliseconds") << EncodeDate(2000, 1, 1) + EncodeTime(8, 5, 3, 7)
@@ -391,7 +383,6 @@ private slots:
         QTest::addColumn<double>("value");
         QTest::addColumn<QString>("date"); // empty: refused
         QTest::addColumn<QString>("dateTime");
-
         QTest::newRow("US, afternoon") << "en_US" << Mar5 + EncodeTime(13, 45, 30, 0) << "3/5/2024" << "3/5/2024 13:45:30";
         QTest::newRow("US, midnight has no time") << "en_US" << Mar5 << "3/5/2024" << "3/5/2024";
         QTest::newRow("US, milliseconds dropped") << "en_US" << Mar5 + EncodeTime(8, 5, 3, 999) << "3/5/2024" << "3/5/2024 08:05:03";
@@ -440,7 +431,6 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<double>("date");     // NaN: refused
         QTest::addColumn<double>("dateTime"); // NaN: refused
-
         const double At0815 = Mar5 + EncodeTime(8, 15, 0, 0);
         QTest::newRow("US") << "en_US" << "3/5/2024" << Mar5 << Mar5;
         QTest::newRow("US, leading zeros") << "en_US" << "03/05/2024" << Mar5 << Mar5;
