@@ -1,8 +1,11 @@
 // Helpers the demo's form tests share: a form's named child, showing a form, typing.
 #pragma once
 
+#include <Kesh_AdoDB.h>
+
 #include <QApplication>
 #include <QKeyEvent>
+#include <QSqlQuery>
 #include <QtTest>
 
 namespace DemoTest {
@@ -43,6 +46,17 @@ inline void Retype(QWidget* Edit, const QString& Text)
     Edit->setFocus(Qt::TabFocusReason);
     QTest::keyClick(Edit, Qt::Key_A, Qt::ControlModifier);
     Type(Edit, Text);
+}
+
+// The first value of the first row of Sql on Conn; invalid when the query fails.
+inline QVariant Scalar(const Kesh::TQxAdoConnection& Conn, const QString& Sql)
+{
+    QSqlQuery Q(Conn.Database());
+    if (!Q.exec(Sql) || !Q.next()) {
+        qWarning("SQL failed: %s", qPrintable(Sql));
+        return QVariant();
+    }
+    return Q.value(0);
 }
 
 } // namespace DemoTest

@@ -1,6 +1,7 @@
 // The sales invoice of the demo, driven with real keys and clicks on a fresh sample database
 // (SQLite file, or a PostgreSQL database of its own).
 #include "db_test_helper.h"
+#include "demo_test_helper.h"
 #include "dialog_helper.h"
 #include "invoice_form.h"
 #include "invoice_list_form.h"
@@ -31,13 +32,7 @@ const QString PostedText = QStringLiteral("This invoice is posted: it can no lon
 // dropped afterwards), with few invoices.
 struct TDemoDatabase
 {
-    QVariant Scalar(const QString& Sql)
-    {
-        QSqlQuery Query(Conn.Database());
-        if (!Query.exec(Sql) || !Query.next())
-            return QVariant();
-        return Query.value(0);
-    }
+    QVariant Scalar(const QString& Sql) { return DemoTest::Scalar(Conn, Sql); }
     TQxAdoConnection Conn;
 };
 

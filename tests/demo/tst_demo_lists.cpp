@@ -41,15 +41,7 @@ struct TSample
         Demo::EnsureSampleDatabase(&Conn, 300);
         Context.Conn = &Conn;
     }
-    QVariant Scalar(const QString& Sql) const
-    {
-        QSqlQuery Q(Conn.Database());
-        if (!Q.exec(Sql) || !Q.next()) {
-            qWarning("SQL failed: %s", qPrintable(Sql));
-            return QVariant();
-        }
-        return Q.value(0);
-    }
+    QVariant Scalar(const QString& Sql) const { return DemoTest::Scalar(Conn, Sql); }
     TQxAdoConnection Conn;
     Demo::TDemoContext Context;
 };

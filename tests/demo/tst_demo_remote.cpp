@@ -46,13 +46,7 @@ struct TRemoteSample
         Context.ServerUrl = QStringLiteral("http://127.0.0.1:%1").arg(Server.BoundPort());
         Context.ServerToken = Token;
     }
-    QVariant Scalar(const QString& Sql) const
-    {
-        QSqlQuery Q(Conn.Database());
-        if (!Q.exec(Sql) || !Q.next())
-            return QVariant();
-        return Q.value(0);
-    }
+    QVariant Scalar(const QString& Sql) const { return DemoTest::Scalar(Conn, Sql); }
     TQxAdoConnection Conn;
     TAppServer Server;
     Demo::TDemoContext Context;
