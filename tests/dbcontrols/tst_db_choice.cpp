@@ -3,6 +3,7 @@
 // PostgreSQL.
 #include "db_test_helper.h"
 #include "dialog_helper.h"
+#include "language_scope.h"
 
 #include <Kesh.h>
 #include <Kesh_dbControls.h>
@@ -54,12 +55,6 @@ void ClickRadio(QRadioButton* Button)
     const int X = Button->isRightToLeft() ? Button->width() - 8 : 8;
     QTest::mouseClick(Button, Qt::LeftButton, {}, QPoint(X, Button->height() / 2));
 }
-
-struct Language
-{
-    explicit Language(bool RightToLeft) { Application()->SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight); }
-    ~Language() { Application()->SetBiDiMode(bdLeftToRight); }
-};
 
 } // namespace
 

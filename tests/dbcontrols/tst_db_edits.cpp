@@ -3,6 +3,7 @@
 // the language switch, the date button; on SQLite and PostgreSQL.
 #include "db_test_helper.h"
 #include "dialog_helper.h"
+#include "language_scope.h"
 
 #include <Kesh.h>
 #include <Kesh_dbControls.h>
@@ -81,12 +82,6 @@ struct Form
         Before->setFocus();
         return Before->hasFocus();
     }
-};
-
-struct Language
-{
-    explicit Language(bool RightToLeft) { Application()->SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight); }
-    ~Language() { Application()->SetBiDiMode(bdLeftToRight); }
 };
 
 // Counts the date picker instead of opening it.

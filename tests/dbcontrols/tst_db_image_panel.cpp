@@ -3,6 +3,7 @@
 // source's handler, its hook made in Loaded only).
 #include "db_test_helper.h"
 #include "dialog_helper.h"
+#include "language_scope.h"
 
 #include <Kesh.h>
 #include <Kesh_Controls.h>
@@ -106,12 +107,6 @@ bool Aborts(const std::function<void()>& Run)
     }
     return false;
 }
-
-struct Language
-{
-    explicit Language(bool RightToLeft) { Application()->SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight); }
-    ~Language() { Application()->SetBiDiMode(bdLeftToRight); }
-};
 
 } // namespace
 

@@ -2,6 +2,7 @@
 // the keystroke table, and the values on SQLite and PostgreSQL.
 #include "db_test_helper.h"
 #include "dialog_helper.h"
+#include "language_scope.h"
 
 #include <Kesh.h>
 #include <Kesh_dbControls.h>
@@ -39,12 +40,6 @@ QString Message(const std::function<void()>& Run)
     }
     return QString();
 }
-
-struct Language
-{
-    explicit Language(bool RightToLeft) { Application()->SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight); }
-    ~Language() { Application()->SetBiDiMode(bdLeftToRight); }
-};
 
 } // namespace
 
