@@ -135,10 +135,6 @@ class TestAdoBrowserForm : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        Application()->SetBiDiMode(bdLeftToRight);
-    }
     void cleanup() { Application()->SetBiDiMode(bdLeftToRight); }
 
     void typingSearchesTheSortColumn_data() { AddRows(); }
